@@ -1,0 +1,45 @@
+# make run   - install what is missing, build, write a sample analysis, read it
+# make test  - install what is missing, build, run every test
+BUILD   ?= build
+JOBS    ?= $(shell nproc)
+CMAKE_FLAGS ?=
+SAMPLE  ?= $(BUILD)/sample-analysis
+
+.PHONY: all bootstrap configure build run test bench asan tsan clang clean
+
+all: build
+
+bootstrap:
+	@bash scripts/bootstrap.sh
+
+configure: bootstrap
+	@cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo $(CMAKE_FLAGS) >/dev/null
+
+build: configure
+	@cmake --build $(BUILD) -j $(JOBS)
+
+run: build
+	@rm -rf $(SAMPLE)
+	@$(BUILD)/tools/kora-writer sample $(SAMPLE)
+	@$(BUILD)/examples/kora-summary $(SAMPLE)
+
+test: build
+	@ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
+
+bench:
+	@bash scripts/bootstrap.sh
+	@cmake -S . -B build-bench -G Ninja -DCMAKE_BUILD_TYPE=Release -DKORA_BUILD_TESTS=OFF -DKORA_BUILD_BENCHMARKS=ON >/dev/null
+	@cmake --build build-bench -j $(JOBS)
+	@for b in build-bench/bench/*_bench; do echo "== $$b"; $$b; done
+
+asan:
+	@$(MAKE) test BUILD=build-asan CMAKE_FLAGS="-DKORA_SANITIZE=address,undefined"
+
+tsan:
+	@$(MAKE) test BUILD=build-tsan CMAKE_FLAGS="-DKORA_SANITIZE=thread"
+
+clang:
+	@$(MAKE) test BUILD=build-clang CMAKE_FLAGS="-DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++"
+
+clean:
+	rm -rf build build-bench build-asan build-tsan build-clang
