@@ -20,3 +20,24 @@ function(kora_test)
   target_link_libraries(${ARG_NAME} PRIVATE ${ARG_DEPS} GTest::gtest GTest::gtest_main)
   add_test(NAME ${ARG_NAME} COMMAND ${ARG_NAME})
 endfunction()
+
+# kora_benchmark(NAME <target> SOURCES <files...> [DEPS <targets...>])
+#   A Google Benchmark program, built with -DKORA_BUILD_BENCHMARKS=ON
+#   (make bench runs every bench/*_bench it finds).
+function(kora_benchmark)
+  cmake_parse_arguments(ARG "" "NAME" "SOURCES;DEPS" ${ARGN})
+  add_executable(${ARG_NAME} ${ARG_SOURCES})
+  target_include_directories(${ARG_NAME} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${ARG_NAME} PRIVATE ${ARG_DEPS} benchmark::benchmark)
+endfunction()
+
+# kora_fuzzer(NAME <target> SOURCES <files...> [DEPS <targets...>])
+#   A libFuzzer target (clang only, -DKORA_BUILD_FUZZERS=ON).
+function(kora_fuzzer)
+  cmake_parse_arguments(ARG "" "NAME" "SOURCES;DEPS" ${ARGN})
+  add_executable(${ARG_NAME} ${ARG_SOURCES})
+  target_include_directories(${ARG_NAME} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR})
+  target_compile_options(${ARG_NAME} PRIVATE -fsanitize=fuzzer,address)
+  target_link_options(${ARG_NAME} PRIVATE -fsanitize=fuzzer,address)
+  target_link_libraries(${ARG_NAME} PRIVATE ${ARG_DEPS})
+endfunction()
