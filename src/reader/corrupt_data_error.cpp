@@ -1,0 +1,21 @@
+#include "reader/corrupt_data_error.h"
+
+#include <boost/format.hpp>
+
+namespace lumo {
+namespace io {
+namespace kora {
+
+CorruptFrameDataError::CorruptFrameDataError(int64_t frame_id, const std::string& message)
+    : CorruptDataError(
+          (boost::format("CorruptFrameDataError for FrameId=%d: %s") % frame_id % message).str()) {}
+
+CorruptScanDataError::CorruptScanDataError(int64_t frame_id, uint32_t scan,
+                                           const std::string& message)
+    : CorruptDataError((boost::format("CorruptScanDataError for FrameId=%d, Scan=%d: %s") %
+                        frame_id % scan % message)
+                           .str()) {}
+
+}  // namespace kora
+}  // namespace io
+}  // namespace lumo
