@@ -22,7 +22,7 @@
 
 // The trace is captured before the throw; if the capture itself fails, its
 // own error is what leaves the throw site.
-#define LUMO_THROW(e) \
+#define LUMO_THROW(e)                                 \
   BOOST_THROW_EXCEPTION(::boost::enable_error_info(e) \
                         << ::lumo::diag::StackTraceInfo(::lumo::diag::StackTrace()))
 
