@@ -1,0 +1,67 @@
+/*
+ * koradata: read-only access to the raw data of an ion-mobility
+ * time-of-flight mass spectrometer.
+ *
+ * Conventions, for every function below:
+ *
+ *  - A handle is an opaque 64-bit number for one open analysis directory,
+ *    made by kora_open and freed by kora_close. 0 is never a valid handle.
+ *    Handles are not checked: passing a closed or made-up handle is
+ *    undefined behaviour.
+ *  - Failure is a result of 0. The text of the failure is then kept for the
+ *    calling thread and fetched with kora_get_last_error_string. A later
+ *    successful call does not clear it.
+ *  - Text arguments are UTF-8.
+ *  - Read functions fill a caller's buffer. Their result is the number of
+ *    bytes the full answer needs. If that is more than `len`, nothing was
+ *    written: call again with a buffer of at least that size.
+ *  - Threads: one handle serves one thread at a time; different handles may
+ *    be used on different threads at the same time. The last-error text is
+ *    per thread.
+ *  - Frame ids are the Id column of the analysis's Frames table; scans are
+ *    numbered from 0 and `scan_end` is exclusive.
+ */
+#ifndef KORADATA_H_
+#define KORADATA_H_
+
+#include <stdint.h>
+
+#if defined(KORA_BUILDING_LIBRARY)
+#define KORA_EXPORT __attribute__((visibility("default")))
+#else
+#define KORA_EXPORT
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Opens the analysis directory `analysis_directory` (holding analysis.oxa and
+ * analysis.oxa_bin). Any non-zero `use_recalibrated_state` asks for the latest
+ * complete recalibration state of calibration.sqlite; the analysis falls back
+ * to its own calibration when there is none. Returns the handle, or 0 on
+ * failure (e.g. "Specified analysis directory does not exist.",
+ * "Invalid UTF-8"). */
+KORA_EXPORT uint64_t kora_open(const char* analysis_directory, uint32_t use_recalibrated_state);
+
+/* Closes `handle` and frees everything it holds. A handle of 0 is ignored. */
+KORA_EXPORT void kora_close(uint64_t handle);
+
+/* Copies the calling thread's last error text ("<no error>" if there was
+ * none) into `buf`: at most `len` - 1 bytes and a terminating NUL; nothing
+ * when `len` is 0 (`buf` may then be NULL). Returns the length of the whole
+ * text plus 1; a result above `len` means the text was cut. */
+KORA_EXPORT uint32_t kora_get_last_error_string(char* buf, uint32_t len);
+
+/* Always returns 0, whatever the handle and however it was opened. */
+KORA_EXPORT uint32_t kora_has_recalibrated_state(uint64_t handle);
+
+/* Sets the number of threads the batch mass conversions may use, for the
+ * whole process (OpenMP). */
+KORA_EXPORT void kora_set_num_threads(uint32_t n);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* KORADATA_H_ */
