@@ -1,0 +1,132 @@
+// The physical constants of every family. Each class also answers
+// ICalibrationConstantsPhysicalLinear, raw = index * a1 + a0:
+//   TOF:     a0 = time delay, a1 = time base
+//   Linear:  a0, a1 as stored
+//   Halyard: a0 = begin raw mass, a1 = 1.0 / measurements per raw mass
+//   FTMS:    a0 = freq low, a1 = freq width / size, for calib modes 0..6
+//
+// Thread-compatible: one thread at a time.
+#ifndef KORA_CALIBRATION_CORE_CONSTANTS_CALIBRATION_CONSTANTS_PHYSICAL_H_
+#define KORA_CALIBRATION_CORE_CONSTANTS_CALIBRATION_CONSTANTS_PHYSICAL_H_
+
+#include <string>
+
+#include "calibration_core/constants/physical_constants.h"
+
+namespace lumo {
+namespace calibration {
+namespace Constants {
+
+class CalibrationConstantsPhysicalTOF : public virtual ICalibrationConstantsPhysicalTOF,
+                                        public virtual ICalibrationConstantsPhysicalLinear {
+ public:
+  // The order of the digitizer columns: time base first, delay second.
+  CalibrationConstantsPhysicalTOF(double timeBase, double timeDelay);
+
+  ICloneablePtr Clone() const override;
+  bool IsEqual(const ICalibrationConstantsPhysicalPtr& other) const override;
+  void AssimilateIndexOffset(double indexOffset) override;
+  void SetRawRangeStart(double raw, double index) override;
+  std::string Dump() const override;
+
+  double GetTimeDelay() const override { return timeDelay_; }
+  void SetTimeDelay(const double& delay) override { timeDelay_ = delay; }
+  double GetTimeBase() const override { return timeBase_; }
+  void SetTimeBase(const double& timeBase) override { timeBase_ = timeBase; }
+
+  double GetA0() const override { return timeDelay_; }
+  void SetA0(const double& a0) override { timeDelay_ = a0; }
+  double GetA1() const override { return timeBase_; }
+  void SetA1(const double& a1) override { timeBase_ = a1; }
+
+ private:
+  double timeDelay_;
+  double timeBase_;
+};
+
+class CalibrationConstantsPhysicalLinear : public virtual ICalibrationConstantsPhysicalLinear {
+ public:
+  CalibrationConstantsPhysicalLinear(double a0, double a1);
+
+  ICloneablePtr Clone() const override;
+  bool IsEqual(const ICalibrationConstantsPhysicalPtr& other) const override;
+  void AssimilateIndexOffset(double indexOffset) override;
+  void SetRawRangeStart(double raw, double index) override;
+  std::string Dump() const override;
+
+  double GetA0() const override { return a0_; }
+  void SetA0(const double& a0) override { a0_ = a0; }
+  double GetA1() const override { return a1_; }
+  void SetA1(const double& a1) override { a1_ = a1; }
+
+ private:
+  double a0_;
+  double a1_;
+};
+
+class CalibrationConstantsPhysicalHalyard : public virtual ICalibrationConstantsPhysicalHalyard,
+                                            public virtual ICalibrationConstantsPhysicalLinear {
+ public:
+  CalibrationConstantsPhysicalHalyard(double beginRawMass, double measurementsPerRawMass);
+
+  ICloneablePtr Clone() const override;
+  bool IsEqual(const ICalibrationConstantsPhysicalPtr& other) const override;
+  void AssimilateIndexOffset(double indexOffset) override;
+  void SetRawRangeStart(double raw, double index) override;
+  std::string Dump() const override;
+
+  double GetBeginRawMass() const override { return beginRawMass_; }
+  void SetBeginRawMass(const double& begin) override { beginRawMass_ = begin; }
+  double GetMeasurementsPerRawMass() const override { return measurementsPerRawMass_; }
+  void SetMeasurementsPerRawMass(const double& count) override { measurementsPerRawMass_ = count; }
+
+  double GetA0() const override { return beginRawMass_; }
+  void SetA0(const double& a0) override { beginRawMass_ = a0; }
+  double GetA1() const override { return 1.0 / measurementsPerRawMass_; }
+  void SetA1(const double& a1) override { measurementsPerRawMass_ = 1.0 / a1; }
+
+ private:
+  double beginRawMass_;
+  double measurementsPerRawMass_;
+};
+
+class CalibrationConstantsPhysicalFTMS : public virtual ICalibrationConstantsPhysicalFTMS,
+                                         public virtual ICalibrationConstantsPhysicalLinear {
+ public:
+  CalibrationConstantsPhysicalFTMS(double freqLow, double freqWidth, int size, int calibMode = 0,
+                                   int ftmsRawMode = 0);
+
+  ICloneablePtr Clone() const override;
+  bool IsEqual(const ICalibrationConstantsPhysicalPtr& other) const override;
+  // Throws std::runtime_error for a calib mode outside 0..6.
+  void AssimilateIndexOffset(double indexOffset) override;
+  void SetRawRangeStart(double raw, double index) override;
+  std::string Dump() const override;
+
+  int GetCalibMode() const override { return calibMode_; }
+  void SetCalibMode(const int& mode) override { calibMode_ = mode; }
+  int GetFtmsRawMode() const override { return ftmsRawMode_; }
+  void SetFtmsRawMode(const int& mode) override { ftmsRawMode_ = mode; }
+  double GetFreqLow() const override { return freqLow_; }
+  double GetFreqWidth() const override { return freqWidth_; }
+  int GetSize() const override { return size_; }
+
+  // Both throw std::runtime_error for a calib mode outside 0..6.
+  double GetA0() const override;
+  void SetA0(const double& a0) override { freqLow_ = a0; }
+  double GetA1() const override;
+  void SetA1(const double& a1) override { freqWidth_ = a1 * size_; }
+
+ private:
+  double freqLow_;
+  double freqWidth_;
+  int size_;
+  int calibMode_;
+  int ftmsRawMode_;
+};
+
+}  // namespace Constants
+}  // namespace calibration
+}  // namespace lumo
+
+#endif  // KORA_CALIBRATION_CORE_CONSTANTS_CALIBRATION_CONSTANTS_PHYSICAL_H_
