@@ -1,0 +1,236 @@
+#include "tools/analysis_writer.h"
+
+#include <gtest/gtest.h>
+#include <lzf.h>
+#include <sqlite3.h>
+#include <zstd.h>
+
+#include <boost/filesystem/operations.hpp>
+#include <fstream>
+#include <iterator>
+
+#include "tools/frame_encoding.h"
+
+namespace lumo {
+namespace writer {
+namespace {
+
+namespace fs = boost::filesystem;
+
+class TempDir {
+ public:
+  TempDir() : path_(fs::temp_directory_path() / fs::unique_path("kora-writer-%%%%-%%%%")) {}
+  ~TempDir() { fs::remove_all(path_); }
+  const fs::path& path() const { return path_; }
+
+ private:
+  fs::path path_;
+};
+
+Bytes readFile(const fs::path& p) {
+  std::ifstream in(p.string(), std::ios::binary);
+  return Bytes(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+uint32_t le32(const Bytes& b, size_t at) {
+  return b[at] | b[at + 1] << 8 | b[at + 2] << 16 | static_cast<uint32_t>(b[at + 3]) << 24;
+}
+
+// Every row of `sql` as text, columns joined by '|', NULL shown as "NULL".
+std::vector<std::string> query(const fs::path& db_path, const std::string& sql) {
+  sqlite3* db = nullptr;
+  EXPECT_EQ(sqlite3_open_v2(db_path.string().c_str(), &db, SQLITE_OPEN_READONLY, nullptr),
+            SQLITE_OK);
+  sqlite3_stmt* stmt = nullptr;
+  EXPECT_EQ(sqlite3_prepare_v2(db, sql.c_str(), -1, &stmt, nullptr), SQLITE_OK) << sql;
+  std::vector<std::string> rows;
+  while (stmt && sqlite3_step(stmt) == SQLITE_ROW) {
+    std::string row;
+    for (int i = 0; i < sqlite3_column_count(stmt); ++i) {
+      if (i) row += "|";
+      const unsigned char* t = sqlite3_column_text(stmt, i);
+      row += t ? reinterpret_cast<const char*>(t) : "NULL";
+    }
+    rows.push_back(row);
+  }
+  sqlite3_finalize(stmt);
+  sqlite3_close(db);
+  return rows;
+}
+
+using Rows = std::vector<std::string>;
+
+TEST(MetadataWriter, DefaultsAreTextValues) {
+  TempDir dir;
+  writeAnalysis(AnalysisSpec::make(3, 2, 400000), dir.path());
+  EXPECT_EQ(
+      query(dir.path() / "analysis.oxa",
+            "SELECT Key, Value, typeof(Value) FROM GlobalMetadata ORDER BY rowid"),
+      (Rows{"SchemaVersionMajor|3|text", "SchemaVersionMinor|0|text", "KoraCompressionType|2|text",
+            "PeakListIndexScaleFactor|1|text", "DigitizerNumSamples|400000|text"}));
+  EXPECT_TRUE(fs::exists(dir.path() / "analysis.oxa_bin"));
+  EXPECT_EQ(fs::file_size(dir.path() / "analysis.oxa_bin"), 0u);
+}
+
+TEST(MetadataWriter, ValuesKeepTheirStorageClassAndMayBeOmittedOrRepeated) {
+  TempDir dir;
+  AnalysisSpec spec = AnalysisSpec::make(2, 1);
+  spec.metadata.set("SchemaVersionMinor", 3.5);
+  spec.metadata.set("DigitizerNumSamples", SqlValue());
+  spec.metadata.set("PeakListIndexScaleFactor", 4);
+  spec.metadata.erase("KoraCompressionType");
+  spec.metadata.append("SchemaVersionMajor", "7");
+  writeAnalysis(spec, dir.path());
+  EXPECT_EQ(query(dir.path() / "analysis.oxa",
+                  "SELECT Key, Value, typeof(Value) FROM GlobalMetadata ORDER BY rowid"),
+            (Rows{"SchemaVersionMajor|2|text", "SchemaVersionMinor|3.5|real",
+                  "PeakListIndexScaleFactor|4|integer", "DigitizerNumSamples|NULL|null",
+                  "SchemaVersionMajor|7|text"}));
+}
+
+TEST(FramesWriter, ColumnsFollowTheSchemaMajor) {
+  TempDir one, three;
+  writeAnalysis(AnalysisSpec::make(1, 1), one.path());
+  AnalysisSpec spec = AnalysisSpec::make(3, 2);
+  spec.omitFrameColumns = {"KoraCalibration"};
+  writeAnalysis(spec, three.path());
+  const std::string columns = "SELECT name FROM pragma_table_info('Frames')";
+  EXPECT_EQ(query(one.path() / "analysis.oxa", columns),
+            (Rows{"Id", "KoraId", "Polarity", "T1", "T2", "MzCalibration", "KoraCalibration"}));
+  EXPECT_EQ(query(three.path() / "analysis.oxa", columns),
+            (Rows{"Id", "KoraId", "AccumulationTime", "RampTime", "Polarity", "T1", "T2",
+                  "MzCalibration"}));
+}
+
+TEST(FramesWriter, KoraIdsPointAtBlocksWithGapsSharingAndNull) {
+  TempDir dir;
+  AnalysisSpec spec = AnalysisSpec::make(3, 2);
+  FrameBlock gapped;
+  gapped.noPayload = true;
+  gapped.gapBefore = 5;
+  spec.addFrame(gapped);                     // frame 1 -> block 0 at 5
+  spec.addFrame(std::vector<Scan>{Scan{}});  // frame 2 -> block 1 at 13
+  spec.frames.push_back(spec.frames[0]);     // frame 3 shares block 0
+  spec.frames.back().id = 3;
+  spec.frames.push_back(FrameRow{});  // frame 4: NULL KoraId
+  spec.frames.back().id = 4;
+  spec.frames.back().accumulationTime = "slow";
+  spec.frames[1].koraIdDelta = 1000;
+  const WrittenAnalysis w = writeAnalysis(spec, dir.path());
+  EXPECT_EQ(w.blockOffsets, (std::vector<uint64_t>{5, 13}));
+  EXPECT_EQ(w.binSize, fs::file_size(dir.path() / "analysis.oxa_bin"));
+  EXPECT_EQ(
+      query(dir.path() / "analysis.oxa",
+            "SELECT Id, KoraId, AccumulationTime, typeof(AccumulationTime), Polarity "
+            "FROM Frames ORDER BY Id"),
+      (Rows{"1|5|100.0|real|+", "2|1013|100.0|real|+", "3|5|100.0|real|+", "4|NULL|slow|text|+"}));
+  const Bytes bin = readFile(dir.path() / "analysis.oxa_bin");
+  EXPECT_EQ(Bytes(bin.begin(), bin.begin() + 5), Bytes(5, 0xEE));
+}
+
+TEST(FramesWriter, CalibrationTablesAndOmittedFiles) {
+  TempDir dir;
+  AnalysisSpec spec = AnalysisSpec::make(3, 2);
+  spec.koraCalibration = koraCalibrationTable(2);
+  spec.koraCalibration.rows.push_back({1, 2, 7.5});
+  spec.omitTables = {"MzCalibration"};
+  spec.writeOxaBin = false;
+  writeAnalysis(spec, dir.path());
+  EXPECT_FALSE(fs::exists(dir.path() / "analysis.oxa_bin"));
+  EXPECT_EQ(query(dir.path() / "analysis.oxa", "SELECT * FROM KoraCalibration"),
+            (Rows{"1|2|7.5|NULL"}));
+  EXPECT_EQ(query(dir.path() / "analysis.oxa",
+                  "SELECT name FROM sqlite_master WHERE type='table' ORDER BY name"),
+            (Rows{"Frames", "GlobalMetadata", "KoraCalibration"}));
+  EXPECT_EQ(mzCalibrationTable(2).columns.size(), 10u);
+  EXPECT_EQ(mzCalibrationTable(2).columns[9].name, "C1");
+}
+
+// Form 1 scans are read back through liblzf, form 2 frames through Zstandard.
+Bytes lzfExpand(const Bytes& bin, size_t at, size_t size) {
+  Bytes out(1 << 16);
+  const unsigned int n = lzf_decompress(bin.data() + at, static_cast<unsigned int>(size),
+                                        out.data(), static_cast<unsigned int>(out.size()));
+  out.resize(n);
+  return out;
+}
+
+TEST(LzfBlockWriter, HeaderOffsetTableAndContiguousScans) {
+  TempDir dir;
+  AnalysisSpec spec = AnalysisSpec::make(3, 1);
+  FrameBlock block;
+  block.headerWord = 0xCAFE;
+  block.scans = {Scan{{3, 4}, {9, 8}}, Scan{}, Scan{{0}, {1}}};
+  block.storedScans[1] = Bytes{0x1F};  // a literal run that promises 32 bytes
+  spec.addFrame(block);
+  writeAnalysis(spec, dir.path());
+  const Bytes bin = readFile(dir.path() / "analysis.oxa_bin");
+  EXPECT_EQ(le32(bin, 0), 0xCAFEu);
+  EXPECT_EQ(le32(bin, 4), 3u);
+  const uint32_t o0 = le32(bin, 8), o1 = le32(bin, 12), o2 = le32(bin, 16), o3 = le32(bin, 20);
+  EXPECT_EQ(o0, 24u);
+  EXPECT_EQ(o1 - o0, 13u);  // 12 bytes as one literal run
+  EXPECT_EQ(o2 - o1, 1u);
+  EXPECT_EQ(bin[o1], 0x1F);
+  EXPECT_EQ(o3, bin.size());
+  EXPECT_EQ(lzfExpand(bin, o0, o1 - o0), wordsToBytes(std::vector<int32_t>{-3, 9, 8}));
+  EXPECT_EQ(lzfExpand(bin, o2, o3 - o2), wordsToBytes(std::vector<int32_t>{1}));
+}
+
+TEST(LzfBlockWriter, ClaimedScanCountPadsTheTableAndTruncationCutsTheBlock) {
+  FrameBlock block;
+  block.scans = {Scan{{0}, {5}}};
+  block.numScans = 3;
+  const Bytes full = encodeBlock(block, 1);
+  EXPECT_EQ(le32(full, 4), 3u);
+  EXPECT_EQ(le32(full, 8), 24u);
+  EXPECT_EQ(le32(full, 12), 29u);  // one word as a literal run of 4
+  EXPECT_EQ(le32(full, 16), 29u);
+  EXPECT_EQ(le32(full, 20), 29u);
+  EXPECT_EQ(full.size(), 29u);
+  block.truncateTo = 10;
+  EXPECT_EQ(encodeBlock(block, 1), Bytes(full.begin(), full.begin() + 10));
+  block.truncateTo.reset();
+  block.scanOffsets = std::vector<uint32_t>{16, 12};
+  const Bytes reversed = encodeBlock(block, 1);
+  EXPECT_EQ(reversed.size(), 21u);
+  EXPECT_EQ(le32(reversed, 8), 16u);
+  EXPECT_EQ(le32(reversed, 12), 12u);
+}
+
+TEST(ZstdBlockWriter, SizeCountAndByteplaneTable) {
+  FrameBlock block;
+  block.scans = {Scan{{2, 3}, {40, 50}}, Scan{}};
+  const Bytes bytes = encodeBlock(block, 2);
+  EXPECT_EQ(le32(bytes, 0), bytes.size());
+  EXPECT_EQ(le32(bytes, 4), 2u);
+  const unsigned long long d = ZSTD_getFrameContentSize(bytes.data() + 8, bytes.size() - 8);
+  ASSERT_EQ(d, 24u);
+  Bytes planes(d);
+  ASSERT_EQ(ZSTD_decompress(planes.data(), d, bytes.data() + 8, bytes.size() - 8), d);
+  EXPECT_EQ(planes, toBytePlanes({2, 4, 3, 40, 1, 50}));
+}
+
+TEST(ZstdBlockWriter, DamageKnobs) {
+  FrameBlock block;
+  block.scans = {Scan{{0}, {1}}};
+  block.noPayload = true;
+  EXPECT_EQ(encodeBlock(block, 2), (Bytes{8, 0, 0, 0, 1, 0, 0, 0}));
+  block.noPayload = false;
+  block.omitContentSize = true;
+  block.frameSize = 0x40000001;
+  block.numScans = 0;
+  const Bytes bytes = encodeBlock(block, 2);
+  EXPECT_EQ(le32(bytes, 0), 0x40000001u);
+  EXPECT_EQ(le32(bytes, 4), 0u);
+  EXPECT_EQ(ZSTD_getFrameContentSize(bytes.data() + 8, bytes.size() - 8), ZSTD_CONTENTSIZE_UNKNOWN);
+  block.storedPayload = Bytes{1, 2, 3};
+  EXPECT_EQ(encodeBlock(block, 2), (Bytes{1, 0, 0, 0x40, 0, 0, 0, 0, 1, 2, 3}));
+  block.rawBlock = Bytes{7};
+  EXPECT_EQ(encodeBlock(block, 2), Bytes{7});
+  EXPECT_THROW(encodeBlock(FrameBlock{}, 3), std::invalid_argument);
+}
+
+}  // namespace
+}  // namespace writer
+}  // namespace lumo
