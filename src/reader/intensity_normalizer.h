@@ -1,0 +1,94 @@
+// Normalisation of stored intensities. Stored intensities are raw counts that
+// scale with the time spent on a frame; a normaliser wraps a peak sink and
+// rescales each intensity on its way through, so decoding needs no second
+// pass. The factor is computed once per read; per peak the cost is one
+// multiply, one add and one conversion.
+#ifndef KORA_READER_INTENSITY_NORMALIZER_H_
+#define KORA_READER_INTENSITY_NORMALIZER_H_
+
+#include <cstdint>
+#include <stdexcept>
+
+namespace lumo {
+namespace io {
+namespace kora {
+
+enum class NormalizationType : int32_t {
+  None = 0,              // raw counts
+  Default = 1,           // the default of the analysis, see defaultNormalization
+  DutyCycle = 2,         // times RampTime / AccumulationTime, truncated
+  DutyCycleRounded = 3,  // the same, rounded half up
+  AccuTime100ms = 4,     // to an accumulation time of 100, rounded half up
+};
+
+// The normalisation that NormalizationType::Default stands for in an
+// analysis of schema major version `schema_major`.
+inline NormalizationType defaultNormalization(int32_t schema_major) {
+  if (schema_major == 1) return NormalizationType::None;
+  if (schema_major == 2) return NormalizationType::DutyCycle;
+  return NormalizationType::AccuTime100ms;
+}
+
+namespace detail {
+
+// Truncation towards zero. Values outside [0, 2^32) are not meaningful
+// counts; they wrap instead of being undefined.
+inline uint32_t truncateToCount(double scaled) {
+  return static_cast<uint32_t>(static_cast<int64_t>(scaled));
+}
+
+// sink(index, intensity * factor + 0.5), truncated: rounds half up.
+template <class F>
+struct Normalizer_AccuTime_100ms {
+  F sink;
+  double factor;
+
+  void operator()(uint32_t index, uint32_t intensity) {
+    sink(index, truncateToCount(static_cast<double>(intensity) * factor + 0.5));
+  }
+};
+
+// sink(index, intensity * factor + rounding), truncated; `rounding` is 0.5
+// for N = 1 and 0.0 for N = 0.
+template <class F, int N>
+struct Normalizer_DutyCycle {
+  static_assert(N == 0 || N == 1, "N selects truncation (0) or rounding half up (1)");
+  F sink;
+  double factor;
+  double rounding = N == 1 ? 0.5 : 0.0;
+
+  void operator()(uint32_t index, uint32_t intensity) {
+    sink(index, truncateToCount(static_cast<double>(intensity) * factor + rounding));
+  }
+};
+
+// Runs body(normaliser) with `sink` wrapped in the normaliser of `type`, for
+// a frame of `accumulation_time` and `ramp_time`. A time of exactly 0.0 gives
+// the factor 1.0.
+// REQUIRES: type is DutyCycle, DutyCycleRounded or AccuTime100ms; any other
+// value throws std::runtime_error "decodeScanRange() : Unknown NormalizationType".
+template <class F, class Body>
+void withNormalizer(NormalizationType type, double accumulation_time, double ramp_time, F sink,
+                    Body body) {
+  const bool no_time = accumulation_time == 0.0;
+  switch (type) {
+    case NormalizationType::DutyCycle:
+      body(Normalizer_DutyCycle<F, 0>{sink, no_time ? 1.0 : ramp_time / accumulation_time});
+      return;
+    case NormalizationType::DutyCycleRounded:
+      body(Normalizer_DutyCycle<F, 1>{sink, no_time ? 1.0 : ramp_time / accumulation_time});
+      return;
+    case NormalizationType::AccuTime100ms:
+      body(Normalizer_AccuTime_100ms<F>{sink, no_time ? 1.0 : 100.0 / accumulation_time});
+      return;
+    default:
+      throw std::runtime_error("decodeScanRange() : Unknown NormalizationType");
+  }
+}
+
+}  // namespace detail
+}  // namespace kora
+}  // namespace io
+}  // namespace lumo
+
+#endif  // KORA_READER_INTENSITY_NORMALIZER_H_

@@ -1,0 +1,118 @@
+#include "reader/rle2_decoder.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "reader/intensity_normalizer.h"
+#include "tools/frame_encoding.h"
+
+namespace lumo {
+namespace io {
+namespace kora {
+namespace {
+
+using Peaks = std::vector<std::pair<uint32_t, uint32_t>>;
+
+struct Collect {
+  Peaks* peaks;
+  void operator()(uint32_t index, uint32_t intensity) { peaks->emplace_back(index, intensity); }
+};
+
+Peaks decode(const std::vector<uint32_t>& words, unsigned int first, unsigned int last) {
+  Peaks peaks;
+  decoding::decodeRLE2(5, 2, writer::toBytePlanes(words), first, last, Collect{&peaks});
+  return peaks;
+}
+
+std::string error(const std::vector<unsigned char>& data, unsigned int first, unsigned int last) {
+  Peaks peaks;
+  try {
+    decoding::decodeRLE2(5, 2, data, first, last, Collect{&peaks});
+  } catch (const CorruptScanDataError& e) {
+    return e.what();
+  }
+  return "no exception";
+}
+
+TEST(Rle2Decoder, RunningIndexMinusOne) {
+  // Steps 4, 1, 10: indices 3, 4, 14. Words with all four bytes set check
+  // that each plane lands in its byte.
+  const std::vector<uint32_t> words = {9, 9, 4, 0x01020304, 1, 0xFFFFFFFF, 10, 7, 1, 2};
+  EXPECT_EQ((Peaks{{3, 0x01020304}, {4, 0xFFFFFFFF}, {14, 7}}), decode(words, 2, 8));
+  EXPECT_EQ((Peaks{{0, 2}}), decode(words, 8, 10));
+  EXPECT_EQ(Peaks{}, decode(words, 4, 4));
+  // A first step of 0 wraps to index 0xFFFFFFFF; no bin limit applies.
+  EXPECT_EQ((Peaks{{0xFFFFFFFF, 3}, {0x7FFFFFFF, 4}}), decode({0, 3, 0x80000000, 4}, 0, 4));
+}
+
+TEST(Rle2Decoder, ReadsTheWriterFrameTable) {
+  std::vector<writer::Scan> scans(3);
+  scans[0] = {{0, 5, 399999}, {10, 20, 30}};
+  scans[2] = {{7}, {70000}};
+  const std::vector<uint32_t> words = writer::encodeFrameWordTable(scans);
+  // Word 0 is the start of scan 0, word i the length of scan i - 1.
+  ASSERT_EQ(3u, words[0]);
+  ASSERT_EQ(6u, words[1]);
+  ASSERT_EQ(0u, words[2]);
+  EXPECT_EQ((Peaks{{0, 10}, {5, 20}, {399999, 30}}), decode(words, 3, 9));
+  EXPECT_EQ(Peaks{}, decode(words, 9, 9));
+  EXPECT_EQ((Peaks{{7, 70000}}), decode(words, 9, 11));
+}
+
+TEST(Rle2Decoder, CorruptScans) {
+  const std::vector<unsigned char> data = writer::toBytePlanes({1, 2, 3, 4, 5, 6});
+  EXPECT_EQ(
+      "CorruptScanDataError for FrameId=5, Scan=2: number of decompressed entries not an even "
+      "number.",
+      error(data, 1, 4));
+  EXPECT_EQ("CorruptScanDataError for FrameId=5, Scan=2: Scan words reach beyond the frame data.",
+            error(data, 4, 8));
+}
+
+// Normalisers wrap the sink of a decoder.
+Peaks normalize(NormalizationType type, double accumulation, double ramp,
+                const std::vector<uint32_t>& intensities) {
+  Peaks peaks;
+  detail::withNormalizer(type, accumulation, ramp, Collect{&peaks}, [&](auto sink) {
+    for (uint32_t i = 0; i < intensities.size(); ++i) sink(i, intensities[i]);
+  });
+  return peaks;
+}
+
+TEST(IntensityNormalizer, FactorsAndRounding) {
+  using T = NormalizationType;
+  // Accumulation time 100: unchanged; 200: 1 -> 0.5 + 0.5 = 1; 2 -> 1.5 cut to 1.
+  EXPECT_EQ((Peaks{{0, 7}}), normalize(T::AccuTime100ms, 100.0, 0.0, {7}));
+  EXPECT_EQ((Peaks{{0, 1}, {1, 1}, {2, 0}}), normalize(T::AccuTime100ms, 200.0, 0.0, {1, 2, 0}));
+  // Accumulation time exactly 0: factor 1.
+  EXPECT_EQ((Peaks{{0, 9}}), normalize(T::AccuTime100ms, 0.0, 50.0, {9}));
+  EXPECT_EQ((Peaks{{0, 9}}), normalize(T::DutyCycle, 0.0, 50.0, {9}));
+  // Duty cycle 90 / 100: 9 -> 8.1, cut to 8, or rounded to 8; 5 -> 4.5.
+  EXPECT_EQ((Peaks{{0, 8}, {1, 4}}), normalize(T::DutyCycle, 100.0, 90.0, {9, 5}));
+  EXPECT_EQ((Peaks{{0, 8}, {1, 5}}), normalize(T::DutyCycleRounded, 100.0, 90.0, {9, 5}));
+  // The largest count is converted as unsigned.
+  EXPECT_EQ((Peaks{{0, 0xFFFFFFFF}}), normalize(T::DutyCycle, 2.0, 2.0, {0xFFFFFFFF}));
+}
+
+TEST(IntensityNormalizer, DefaultsAndUnknownTypes) {
+  EXPECT_EQ(NormalizationType::None, defaultNormalization(1));
+  EXPECT_EQ(NormalizationType::DutyCycle, defaultNormalization(2));
+  EXPECT_EQ(NormalizationType::AccuTime100ms, defaultNormalization(3));
+  EXPECT_EQ(NormalizationType::AccuTime100ms, defaultNormalization(0));
+  for (int type : {0, 1, 5}) {
+    try {
+      normalize(static_cast<NormalizationType>(type), 100.0, 100.0, {1});
+      ADD_FAILURE() << type;
+    } catch (const std::runtime_error& e) {
+      EXPECT_STREQ("decodeScanRange() : Unknown NormalizationType", e.what());
+    }
+  }
+}
+
+}  // namespace
+}  // namespace kora
+}  // namespace io
+}  // namespace lumo
