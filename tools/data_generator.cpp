@@ -1,0 +1,137 @@
+#include "tools/data_generator.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <utility>
+
+namespace lumo {
+namespace writer {
+
+uint64_t Random::next() {
+  uint64_t z = (state_ += 0x9E3779B97F4A7C15ull);
+  z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
+  z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
+  return z ^ (z >> 31);
+}
+
+uint64_t Random::below(uint64_t n) {
+  assert(n > 0);
+  return static_cast<uint64_t>((static_cast<unsigned __int128>(next()) * n) >> 64);
+}
+
+double Random::unit() { return static_cast<double>(next() >> 11) * 0x1.0p-53; }
+
+GeneratorOptions GeneratorOptions::realistic(uint64_t seed, uint32_t num_frames) {
+  GeneratorOptions o;
+  o.mode = Mode::Realistic;
+  o.seed = seed;
+  o.numFrames = num_frames;
+  o.scansPerFrame = 918;
+  o.numBins = 400000;
+  o.meanPeaksPerScan = 109;
+  o.emptyScanFraction = 0.0;
+  return o;
+}
+
+namespace {
+
+// A Pareto-like intensity of at least 1: P(value > x) falls as 10 / x.
+uint32_t longTailIntensity(Random& rng, uint32_t max) {
+  const double u = 1.0 - rng.unit();  // (0, 1]
+  const double v = std::floor(10.0 / u) - 9.0;
+  return v >= static_cast<double>(max) ? max : static_cast<uint32_t>(v);
+}
+
+Scan sparseScan(Random& rng, const GeneratorOptions& o) {
+  Scan scan;
+  if (rng.unit() < o.emptyScanFraction) return scan;
+  const uint64_t count =
+      std::min<uint64_t>(1 + rng.below(2 * std::max<uint32_t>(o.meanPeaksPerScan, 1)), o.numBins);
+  scan.indices.reserve(count);
+  for (uint64_t i = 0; i < count; ++i) {
+    scan.indices.push_back(static_cast<uint32_t>(rng.below(o.numBins)));
+  }
+  std::sort(scan.indices.begin(), scan.indices.end());
+  scan.indices.erase(std::unique(scan.indices.begin(), scan.indices.end()), scan.indices.end());
+  scan.intensities.reserve(scan.indices.size());
+  for (size_t i = 0; i < scan.indices.size(); ++i) {
+    // Now and then a stored zero, which is a peak like any other.
+    scan.intensities.push_back(rng.below(64) == 0 ? 0 : longTailIntensity(rng, o.maxIntensity));
+  }
+  return scan;
+}
+
+// Peaks come in runs of 1 to 7 adjacent bins around an apex, runs placed
+// more densely at low indices; overlapping runs add up.
+Scan realisticScan(Random& rng, const GeneratorOptions& o, uint32_t s) {
+  const double n = o.scansPerFrame;
+  const double x = (s + 0.5) / n;
+  // Rises and falls over the scans; the factor 1.5 makes the mean over a
+  // frame meanPeaksPerScan.
+  const double target = 1.5 * o.meanPeaksPerScan * 4.0 * x * (1.0 - x);
+  const uint64_t count = static_cast<uint64_t>(target * (0.5 + rng.unit()));
+  std::vector<std::pair<uint32_t, uint64_t>> peaks;
+  peaks.reserve(count + 8);
+  while (peaks.size() < count) {
+    const uint32_t len = std::min<uint32_t>(1 + static_cast<uint32_t>(rng.below(7)), o.numBins);
+    const double where = rng.unit();
+    const uint32_t start = static_cast<uint32_t>(where * where * (o.numBins - len + 1));
+    const uint64_t apex = longTailIntensity(rng, o.maxIntensity);
+    const uint32_t half = len / 2 + 1;
+    for (uint32_t k = 0; k < len; ++k) {
+      const uint32_t dist = 2 * k + 1 > len ? (2 * k + 1 - len) / 2 : (len - 2 * k - 1) / 2;
+      peaks.emplace_back(start + k, std::max<uint64_t>(1, apex * (half - dist) / half));
+    }
+  }
+  std::sort(peaks.begin(), peaks.end());
+  Scan scan;
+  scan.indices.reserve(peaks.size());
+  scan.intensities.reserve(peaks.size());
+  for (const auto& p : peaks) {
+    if (!scan.indices.empty() && scan.indices.back() == p.first) {
+      const uint64_t sum = scan.intensities.back() + p.second;
+      scan.intensities.back() = static_cast<uint32_t>(std::min<uint64_t>(sum, o.maxIntensity));
+    } else {
+      scan.indices.push_back(p.first);
+      scan.intensities.push_back(
+          static_cast<uint32_t>(std::min<uint64_t>(p.second, o.maxIntensity)));
+    }
+  }
+  return scan;
+}
+
+}  // namespace
+
+std::vector<std::vector<Scan>> generateFrames(const GeneratorOptions& o) {
+  assert(o.numBins > 0);
+  Random rng(o.seed);
+  std::vector<std::vector<Scan>> frames(o.numFrames);
+  for (uint32_t f = 0; f < o.numFrames; ++f) {
+    std::vector<Scan>& scans = frames[f];
+    scans.resize(o.scansPerFrame);
+    if (o.emptyFrames.count(f)) continue;
+    for (uint32_t s = 0; s < o.scansPerFrame; ++s) {
+      scans[s] =
+          o.mode == GeneratorOptions::Mode::Sparse ? sparseScan(rng, o) : realisticScan(rng, o, s);
+    }
+  }
+  return frames;
+}
+
+AnalysisSpec generateAnalysis(const GeneratorOptions& options, int schema_major,
+                              int compression_type) {
+  AnalysisSpec spec = AnalysisSpec::make(schema_major, compression_type, options.numBins);
+  for (auto& scans : generateFrames(options)) spec.addFrame(std::move(scans));
+  return spec;
+}
+
+void addSampleCalibration(AnalysisSpec& spec, uint32_t ramp_scans) {
+  spec.mzCalibration.rows.push_back(
+      {1, 1, 0.25, 20000.0, 25.0, 25.0, 0.0, 0.0, 20000.0, 170000.0, 0.0, 0.0, 0.0});
+  spec.koraCalibration.rows.push_back(
+      {1, 2, 0, static_cast<int64_t>(ramp_scans), 200.0, 60.0, 0.0, 1, 0.0, 125.0, 50.0, 210.0});
+}
+
+}  // namespace writer
+}  // namespace lumo

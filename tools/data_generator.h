@@ -1,0 +1,85 @@
+// A seeded, deterministic generator of frame peaks, shared by tests and
+// benchmarks: the same options give the same peaks on every machine and
+// compiler (only integer arithmetic and basic IEEE operations are used).
+//
+// The peaks are returned as they are stored; a test that compares them with
+// what a reader returns applies any index filtering or intensity
+// normalisation itself.
+#ifndef KORA_TOOLS_DATA_GENERATOR_H_
+#define KORA_TOOLS_DATA_GENERATOR_H_
+
+#include <cstdint>
+#include <set>
+#include <vector>
+
+#include "tools/analysis_spec.h"
+
+namespace lumo {
+namespace writer {
+
+// A small pseudo-random generator (splitmix64). Thread-compatible.
+class Random {
+ public:
+  explicit Random(uint64_t seed) : state_(seed) {}
+  uint64_t next();
+  // Uniform in [0, n). REQUIRES: n > 0.
+  uint64_t below(uint64_t n);
+  // Uniform in [0, 1), 53 random bits.
+  double unit();
+
+ private:
+  uint64_t state_;
+};
+
+struct GeneratorOptions {
+  enum class Mode {
+    // Scans of uniformly scattered single peaks, some scans empty.
+    Sparse,
+    // Frames like real spectra: peak counts rising and falling over the
+    // mobility scans, indices in clustered runs, intensities with a long
+    // tail.
+    Realistic,
+  };
+
+  Mode mode = Mode::Sparse;
+  uint64_t seed = 1;
+  uint32_t numFrames = 3;
+  uint32_t scansPerFrame = 50;
+  // Every index is below numBins.
+  uint32_t numBins = 400000;
+  // Sparse: peaks of a non-empty scan are 1 .. 2 x meanPeaksPerScan.
+  // Realistic: the mean over all scans of a frame.
+  uint32_t meanPeaksPerScan = 20;
+  // Sparse: share of scans left empty.
+  double emptyScanFraction = 0.25;
+  // Frames (0-based positions) that hold only empty scans.
+  std::set<uint32_t> emptyFrames;
+  // Intensities are at most this; keep it at or below 0x7FFFFFFF for
+  // compression type 1.
+  uint32_t maxIntensity = 0x7FFFFFFF;
+
+  // About 918 scans and 100 000 peaks per frame over 400 000 bins.
+  static GeneratorOptions realistic(uint64_t seed, uint32_t num_frames);
+};
+
+// The scans of every frame, numFrames entries of scansPerFrame scans each.
+// Every scan satisfies the invariant of Scan.
+std::vector<std::vector<Scan>> generateFrames(const GeneratorOptions& options);
+
+// AnalysisSpec::make(schema_major, compression_type, options.numBins) with
+// one frame (ids 1, 2, ...) per generated frame, in order; the peaks are in
+// spec.blocks[i].scans.
+AnalysisSpec generateAnalysis(const GeneratorOptions& options, int schema_major = 3,
+                              int compression_type = 2);
+
+// Adds one MzCalibration row (Id 1: TOF model 1, time base 0.25, delay
+// 20000, c0 20000, c1 170000, no temperature coefficients; m/z about 1700 at
+// index 400000) and one KoraCalibration row (Id 1: model 2, a ramp from
+// 200 V to 60 V over `ramp_scans` scans, 1/K0 = V / 125 between 50 V and
+// 210 V). Frame rows already refer to Id 1 by default.
+void addSampleCalibration(AnalysisSpec& spec, uint32_t ramp_scans);
+
+}  // namespace writer
+}  // namespace lumo
+
+#endif  // KORA_TOOLS_DATA_GENERATOR_H_
