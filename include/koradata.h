@@ -53,6 +53,24 @@ KORA_EXPORT void kora_close(uint64_t handle);
  * text plus 1; a result above `len` means the text was cut. */
 KORA_EXPORT uint32_t kora_get_last_error_string(char* buf, uint32_t len);
 
+/* Reads the peaks of scans [scan_begin, scan_end) of frame `frame_id` into
+ * `buf` as 32-bit unsigned words in machine byte order: first the N =
+ * scan_end - scan_begin peak counts, then for each scan its time-of-flight
+ * indices followed by its intensities, in stored order; 4 x (N + 2 x peaks)
+ * bytes in all. Intensities are normalised by the analysis's default (raw
+ * counts, duty cycle or an accumulation time of 100, by schema version).
+ * Returns the bytes needed; `buf` is written only when that is at most `len`
+ * (so `buf` may be NULL with `len` 0 to ask for the size). Returns 0 on
+ * failure, e.g. "scan_end must be > scan_begin", or a frame that does not
+ * exist. */
+KORA_EXPORT uint32_t kora_read_scans_v2(uint64_t handle, int64_t frame_id, uint32_t scan_begin,
+                                        uint32_t scan_end, void* buf, uint32_t len);
+
+/* As kora_read_scans_v2, with the intensities as stored (raw counts). */
+KORA_EXPORT uint32_t kora_read_scans_internal(uint64_t handle, int64_t frame_id,
+                                              uint32_t scan_begin, uint32_t scan_end, void* buf,
+                                              uint32_t len);
+
 /* Always returns 0, whatever the handle and however it was opened. */
 KORA_EXPORT uint32_t kora_has_recalibrated_state(uint64_t handle);
 

@@ -17,12 +17,15 @@
 #include <boost/thread/tss.hpp>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "calibration_access/calibration_state_selector.h"
 #include "logging/log_stream.h"
 #include "logging/logger.h"
 #include "reader/oxa_reader.h"
+#include "reader/oxa_reader_decoding.h"
 #include "sys/encoding.h"
+#include "sys/throw.h"
 
 namespace {
 
@@ -46,9 +49,57 @@ class Instance : boost::noncopyable {
     LogStream(logger, Level::DEBUG) << "instantiated.";
   }
 
+  // Writes the peaks of scans [scan_begin, scan_end) of `frame_id` to `buf`:
+  // N = scan_end - scan_begin peak counts, then per scan its indices and its
+  // intensities, all as 32-bit words. Returns the bytes needed; writes
+  // nothing unless that is at most `len`.
+  // Throws std::invalid_argument "scan_end must be > scan_begin" for an empty
+  // range, std::runtime_error "Maximum decompressed frame size exceeded." for
+  // more than 0x3FFFFFFF words, and every error of the reader.
+  unsigned int readScans(int64_t frame_id, unsigned int scan_begin, unsigned int scan_end,
+                         void* buf, unsigned int len,
+                         lumo::io::kora::NormalizationType normalization);
+
   Logger logger;
   lumo::io::kora::OxaReader reader;
 };
+
+unsigned int Instance::readScans(int64_t frame_id, unsigned int scan_begin, unsigned int scan_end,
+                                 void* buf, unsigned int len,
+                                 lumo::io::kora::NormalizationType normalization) {
+  constexpr size_t kMaxWords = 0x3FFFFFFF;
+  if (scan_end <= scan_begin) LUMO_THROW(std::invalid_argument("scan_end must be > scan_begin"));
+  const size_t numScans = scan_end - scan_begin;
+  // The counts alone would pass the limit: refused before they are allocated.
+  if (numScans > kMaxWords)
+    LUMO_THROW(std::runtime_error("Maximum decompressed frame size exceeded."));
+
+  // result: the counts, written in place, then each scan's indices and
+  // intensities as they are finished; indices, intensities: the current scan.
+  std::vector<uint32_t> result(numScans, 0);
+  std::vector<uint32_t> indices;
+  std::vector<uint32_t> intensities;
+  reader.decodeScanRange(
+      frame_id, scan_begin, scan_end,
+      [&indices, &intensities](uint32_t index, uint32_t intensity) {
+        indices.push_back(index);
+        intensities.push_back(intensity);
+      },
+      [&](unsigned int scan) {
+        result[scan - scan_begin] = static_cast<uint32_t>(indices.size());
+        result.insert(result.end(), indices.begin(), indices.end());
+        result.insert(result.end(), intensities.begin(), intensities.end());
+        indices.clear();
+        intensities.clear();
+      },
+      normalization);
+
+  const size_t n = result.size();
+  if (n > kMaxWords) LUMO_THROW(std::runtime_error("Maximum decompressed frame size exceeded."));
+  const unsigned int bytes = static_cast<unsigned int>(4 * n);
+  if (bytes <= len) std::memcpy(buf, result.data(), bytes);
+  return bytes;
+}
 
 Instance* toInstance(uint64_t handle) {
   return reinterpret_cast<Instance*>(static_cast<uintptr_t>(handle));
@@ -110,6 +161,29 @@ KORA_EXPORT uint32_t kora_get_last_error_string(char* buf, uint32_t len) {
     buf[n] = '\0';
   }
   return L + 1;
+}
+
+KORA_EXPORT uint32_t kora_read_scans_v2(uint64_t handle, int64_t frame_id, uint32_t scan_begin,
+                                        uint32_t scan_end, void* buf, uint32_t len) {
+  try {
+    return toInstance(handle)->readScans(frame_id, scan_begin, scan_end, buf, len,
+                                         lumo::io::kora::NormalizationType::Default);
+  } catch (const std::exception& e) {
+    saveError(e);
+    return 0;
+  }
+}
+
+KORA_EXPORT uint32_t kora_read_scans_internal(uint64_t handle, int64_t frame_id,
+                                              uint32_t scan_begin, uint32_t scan_end, void* buf,
+                                              uint32_t len) {
+  try {
+    return toInstance(handle)->readScans(frame_id, scan_begin, scan_end, buf, len,
+                                         lumo::io::kora::NormalizationType::None);
+  } catch (const std::exception& e) {
+    saveError(e);
+    return 0;
+  }
 }
 
 KORA_EXPORT uint32_t kora_has_recalibrated_state(uint64_t /*handle*/) { return 0; }

@@ -14,11 +14,13 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "calibration_access/calibration_state_selector.h"
 #include "logging/logger.h"
 #include "reader/frame_info.h"
+#include "reader/intensity_normalizer.h"
 
 namespace lumo {
 namespace io {
@@ -42,6 +44,37 @@ class OxaReader : boost::noncopyable {
 
   const detail::FrameInfo& getFrameInfo(int64_t frame_id);
 
+  // --- Read path. Template definitions are in reader/oxa_reader_decoding.h.
+
+  // Decodes scans [scan_begin, scan_end) of `frame_id` in order: for each
+  // scan, sink(index, intensity) per peak in stored order, then
+  // afterScan(scan). `normalization` Default is resolved by the schema major
+  // version; the normalisation wraps `sink`.
+  // Sink: callable as void(uint32_t, uint32_t); AfterScan: void(unsigned int).
+  // Throws std::runtime_error "decodeScanRange() : Unknown NormalizationType"
+  // for a value above 4, and every error of the frame file and its decoders.
+  template <class Sink, class AfterScan>
+  void decodeScanRange(int64_t frame_id, unsigned int scan_begin, unsigned int scan_end, Sink sink,
+                       AfterScan afterScan, NormalizationType normalization);
+  // The peaks of one scan, without normalisation.
+  template <class Sink>
+  void decodeScan(int64_t frame_id, unsigned int scan, Sink sink);
+
+  // Compression type 1: the stored bytes of one scan, (nullptr, 0) for an
+  // empty scan, from the cache or by a read of that scan alone (at most
+  // 64 KiB). Valid until the next read of the frame file.
+  std::pair<const unsigned char*, unsigned int> getScanBlob(int64_t frame_id, unsigned int scan);
+  // Announces that scans [scan_begin, scan_end) of `frame_id` come next.
+  // Compression type 1: reads the run with one read (at most 1 GiB), always.
+  // Compression type 2: does nothing.
+  void hintWillReadScanRange(int64_t frame_id, unsigned int scan_begin, unsigned int scan_end);
+  // Compression type 2: the expanded frame and the word range of `scan`;
+  // the frame is expanded once while its scans are read one after another.
+  const std::vector<unsigned char>& getDecompressedScanData(int64_t frame_id, unsigned int scan,
+                                                            unsigned int& first,
+                                                            unsigned int& last);
+
+  int32_t getSchemaVersionMajor() const;
   int32_t getCompressionType() const { return compressionType; }
   // DigitizerNumSamples x PeakListIndexScaleFactor (32-bit, wrapping); never 0.
   uint32_t getNumBins() const { return numBins; }

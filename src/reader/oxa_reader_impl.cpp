@@ -7,6 +7,8 @@
 #include "calibration_access/cppsqlite3.h"
 #include "calibration_access/cppsqlite_tools.h"
 #include "reader/corrupt_data_error.h"
+#include "reader/oxa_frame_reader.h"
+#include "reader/oxa_reader_cache.h"
 #include "sys/throw.h"
 
 namespace lumo {
@@ -76,6 +78,10 @@ OxaReaderImpl::OxaReaderImpl(const fs::path& dir,
     LUMO_THROW(std::runtime_error(
         (boost::format("KoraCompressionType %d not supported.") % compressionType).str()));
   }
+  if (compressionType == 1)
+    scanCache.reset(new OxaReaderCache);
+  else
+    frameReader.reset(new OxaFrameReader);
 
   // The calibration source (analysis.oxa itself, or the state of
   // calibration.sqlite that `selector` names) is chosen here, last.

@@ -14,6 +14,8 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "calibration_access/calibration_state_selector.h"
 #include "logging/logger.h"
@@ -26,6 +28,8 @@ namespace io {
 namespace kora {
 
 using lumo::io::calibration::CalibrationStateSelector;
+class OxaFrameReader;
+class OxaReaderCache;
 
 class OxaReaderImpl : boost::noncopyable {
  public:
@@ -53,12 +57,21 @@ class OxaReaderImpl : boost::noncopyable {
   int32_t getSchemaVersionMajor() const { return schemaVersionMajor; }
   int32_t getSchemaVersionMinor() const { return schemaVersionMinor; }
 
+  // The read path; see OxaReader.
+  std::pair<const unsigned char*, unsigned int> getScanBlob(int64_t frame_id, unsigned int scan);
+  void hintWillReadScanRange(int64_t frame_id, unsigned int scan_begin, unsigned int scan_end);
+  const std::vector<unsigned char>& getDecompressedScanData(int64_t frame_id, unsigned int scan,
+                                                            unsigned int& first,
+                                                            unsigned int& last);
+
  private:
   lumo::logging::Logger logger;
   std::shared_ptr<CppSQLite3DB> db;
   int32_t schemaVersionMajor;
   int32_t schemaVersionMinor;
   std::ifstream binaryFile;
+  std::unique_ptr<OxaReaderCache> scanCache;    // set for compression type 1
+  std::unique_ptr<OxaFrameReader> frameReader;  // set for compression type 2
   std::map<int64_t, detail::FrameInfo> frameInfoCache;
 };
 
