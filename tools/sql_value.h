@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <string>
+#include <type_traits>
 #include <variant>
 #include <vector>
 
@@ -20,9 +21,10 @@ class SqlValue {
 
   // NULL.
   SqlValue() = default;
-  SqlValue(int v) : value_(static_cast<int64_t>(v)) {}
-  SqlValue(unsigned int v) : value_(static_cast<int64_t>(v)) {}
-  SqlValue(int64_t v) : value_(v) {}
+  // Any integer is stored as a 64-bit signed integer (unsigned values above
+  // INT64_MAX wrap).
+  template <class T, std::enable_if_t<std::is_integral_v<T> && !std::is_same_v<T, bool>, int> = 0>
+  SqlValue(T v) : value_(static_cast<int64_t>(v)) {}
   SqlValue(double v) : value_(v) {}
   SqlValue(const char* v) : value_(std::string(v)) {}
   SqlValue(std::string v) : value_(std::move(v)) {}
