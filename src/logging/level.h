@@ -1,4 +1,5 @@
 // Severity levels; the number is the order of severity and what is compared.
+// There is no level that switches logging off.
 #ifndef KORA_LOGGING_LEVEL_H_
 #define KORA_LOGGING_LEVEL_H_
 

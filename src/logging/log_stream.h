@@ -15,7 +15,6 @@
 
 #include <boost/noncopyable.hpp>
 #include <boost/optional.hpp>
-
 #include <sstream>
 
 #include "logging/logger.h"

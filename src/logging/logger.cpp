@@ -1,46 +1,99 @@
-// Provisional logger core: one console sink on stderr, root level INFO.
+// The process-wide logger table and the Logger handle.
 #include "logging/logger.h"
 
+#include <boost/date_time/posix_time/posix_time.hpp>
 #include <boost/make_shared.hpp>
-
-#include <iostream>
+#include <boost/regex.hpp>
+#include <cstdio>
 #include <map>
 #include <mutex>
 #include <stdexcept>
 
-#include "logging/log_stream.h"
+#include "logging/level_names.h"
+#include "logging/logger_impl.h"
+#include "logging/logger_settings.h"
+#include "logging/module_lifetime.h"
+#include "logging/process_singleton.h"
+#include "sys/environment.h"
+#include "sys/iso_time.h"
+#include "sys/throw.h"
 
 namespace lumo {
 namespace logging {
+namespace {
 
-class Logger::Impl {
+// The process-wide state. Members are made in this order and destroyed in
+// reverse: the sinks (in the settings) go before the locks they use, and the
+// module pin is released last.
+class LoggerMapWrapper : boost::noncopyable {
  public:
-  std::string name;
-  Level::type level = Level::INFO;
+  LoggerMapWrapper()
+      : settings(&consoleLock),
+        nameExpression("[A-Za-z][A-Za-z0-9_\\-]*(\\.[A-Za-z][A-Za-z0-9_\\-]*)*") {
+    settings.load();
+  }
+
+  ModulePin pin;
+  std::mutex tableLock;    // guards `table`
+  std::mutex consoleLock;  // shared by all console-type sinks
+  LoggerSettings settings;
+  std::map<std::string, boost::shared_ptr<lifetime_wrapper<Logger::Impl>>> table;
+  const boost::regex nameExpression;
 };
 
-namespace {
-const char* levelName(Level::type level) {
-  static const char* names[] = {"TRACE", "DEBUG", "INFO ", "WARN ", "ERROR", "FATAL"};
-  return names[level];
+Logger handleOf(const boost::shared_ptr<lifetime_wrapper<Logger::Impl>>& wrapper) {
+  // Aliasing: the handle points at the Impl and owns the whole wrapper.
+  return Logger(boost::shared_ptr<Logger::Impl>(wrapper, &wrapper->value));
 }
-void checkLevel(Level::type level) {
-  if (level < Level::TRACE || level > Level::FATAL)
-    throw std::runtime_error("Invalid logging level (ordinal value: " +
-                             std::to_string(static_cast<int>(level)) + ")");
-}
+
 }  // namespace
 
-Logger Logger::getLogger(const char* name) {
-  static std::mutex mutex;
-  static std::map<std::string, boost::shared_ptr<Impl>> table;
-  std::lock_guard<std::mutex> lock(mutex);
-  auto& slot = table[name];
-  if (!slot) {
-    slot = boost::make_shared<Impl>();
-    slot->name = name;
+std::string formatLogLine(const boost::posix_time::ptime& localTime, std::uint32_t threadId,
+                          Level::type level, const std::string& logger,
+                          const std::string& message) {
+  checkLevel(level);
+  std::string line =
+      sys::posix::toIsoExtendedString(localTime, sys::posix::FormatOption::BLANK_MICROSECONDS);
+  char prefix[64];
+  std::snprintf(prefix, sizeof prefix, " [tid=0x%x] [%-5s] ", static_cast<unsigned>(threadId),
+                levelName(level));
+  line.reserve(line.size() + 32 + logger.size() + message.size());
+  line += prefix;
+  line += logger;
+  line += ": ";
+  line += message;
+  line += '\n';
+  return line;
+}
+
+std::string buildLogLine(Level::type level, const std::string& logger, const std::string& message) {
+  checkLevel(level);
+  // Throws "could not convert calendar time to local time" on failure.
+  const boost::posix_time::ptime now = boost::posix_time::microsec_clock::local_time();
+  return formatLogLine(now, sys::threadId(), level, logger, message);
+}
+
+void Logger::Impl::write(Level::type eventLevel, const std::string& message) const {
+  if (sinks.empty()) return;
+  const LogEvent event{buildLogLine(eventLevel, name, message), eventLevel};
+  for (const SinkInfo& info : sinks) {
+    if (info.level <= eventLevel) info.sink->write(event);
   }
-  return Logger(slot);
+}
+
+Logger Logger::getLogger(const char* name) {
+  LoggerMapWrapper& wrapper = ProcessSingleton<LoggerMapWrapper>::get();
+  std::lock_guard<std::mutex> lock(wrapper.tableLock);
+  if (name == nullptr) LUMO_THROW_NO_TRACE(std::runtime_error("Invalid logger name: <NULL>"));
+  const std::string key(name);
+  auto it = wrapper.table.find(key);
+  if (it != wrapper.table.end()) return handleOf(it->second);
+  if (!boost::regex_match(key, wrapper.nameExpression)) {
+    LUMO_THROW_NO_TRACE(std::runtime_error("Invalid logger name: \"" + key + "\""));
+  }
+  auto made = boost::make_shared<lifetime_wrapper<Impl>>(wrapper.settings.lookup(key));
+  wrapper.table.emplace(key, made);
+  return handleOf(made);
 }
 
 bool Logger::isEnabled(Level::type level) const {
@@ -49,31 +102,14 @@ bool Logger::isEnabled(Level::type level) const {
 }
 
 void Logger::log(Level::type level, const char* message) const {
-  if (isEnabled(level)) log(level, std::string(message));
+  if (isEnabled(level)) impl_->write(level, std::string(message));
 }
 
 void Logger::log(Level::type level, const std::string& message) const {
-  checkLevel(level);
-  std::cerr << "[" << levelName(level) << "] " << impl_->name << ": " << message << "\n";
+  impl_->write(level, message);
 }
 
 const std::string& Logger::name() const { return impl_->name; }
-
-LogStream::LogStream(const Logger& logger, Level::type level)
-    : logger_(&logger), level_(level), enabled_(logger.isEnabled(level)) {}
-
-LogStream::~LogStream() {
-  if (!enabled_) return;
-  try {
-    logger_->log(level_, os_ ? os_->str() : std::string());
-  } catch (...) {
-  }
-}
-
-std::ostream& LogStream::stream() {
-  if (!os_) os_.emplace();
-  return *os_;
-}
 
 }  // namespace logging
 }  // namespace lumo

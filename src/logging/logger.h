@@ -7,7 +7,6 @@
 #define KORA_LOGGING_LOGGER_H_
 
 #include <boost/shared_ptr.hpp>
-
 #include <string>
 
 #include "logging/level.h"
