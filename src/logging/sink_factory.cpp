@@ -3,7 +3,9 @@
 #include <boost/make_shared.hpp>
 #include <cstring>
 
+#include "logging/async_sink.h"
 #include "logging/console_sinks.h"
+#include "logging/rolling_file_sink.h"
 
 namespace lumo {
 namespace logging {
@@ -22,6 +24,14 @@ boost::shared_ptr<ISink> makeDebugOutputSink(const SinkContext&, std::mutex* loc
   return boost::make_shared<impl::DebugOutputSink>(lock);
 }
 
+boost::shared_ptr<ISink> makeRollingFileSink(const SinkContext& context, std::mutex*) {
+  return boost::make_shared<impl::RollingFileSink>(context.config);
+}
+
+boost::shared_ptr<ISink> makeAsyncSink(const SinkContext& context, std::mutex*) {
+  return boost::make_shared<impl::AsyncSink>(context);
+}
+
 struct FactoryEntry {
   const char* className;
   SinkFactory factory;
@@ -33,6 +43,8 @@ const FactoryEntry kFactories[] = {
     {"lumo.logging.StdOutSink", &makeConsoleTypeSink<impl::StdOutSink>},
     {"lumo.logging.StdErrSink", &makeConsoleTypeSink<impl::StdErrSink>},
     {"lumo.logging.DebugOutputSink", &makeDebugOutputSink},
+    {"lumo.logging.RollingFileSink", &makeRollingFileSink},
+    {"lumo.logging.AsyncSink", &makeAsyncSink},
 };
 
 }  // namespace
