@@ -9,6 +9,8 @@
 #include <fstream>
 #include <iterator>
 
+#include "tools/calibration_rows.h"
+#include "tools/data_generator.h"
 #include "tools/frame_encoding.h"
 
 namespace lumo {
@@ -236,6 +238,30 @@ TEST(ZstdBlockWriter, DamageKnobs) {
   } catch (const std::invalid_argument& e) {
     EXPECT_STREQ(e.what(), "Compression type must be 1 or 2, not 3.");
   }
+}
+
+TEST(CalibrationRows, CellsInColumnOrder) {
+  TempDir dir;
+  AnalysisSpec spec = AnalysisSpec::make(3, 2);
+  MzCalibrationHead head;
+  head.dC2 = 1e-9;
+  spec.mzCalibration.rows.push_back(mzTofRow(1, head, {1, 2, 3, 4, 5}));
+  spec.mzCalibration.rows.push_back(
+      mzTofZrkRow(2, MzCalibrationHead(), {1, 2, 3}, {4, 5, 6, 7}, {8.5, 9.5}));
+  addSampleCalibration(spec, 400);
+  writeAnalysis(spec, dir.path());
+  EXPECT_EQ(query(dir.path() / "analysis.oxa",
+                  "SELECT Id, ModelType, DigitizerTimebase, DigitizerDelay, T1, T2, dC1, dC2, C0, "
+                  "C1, C2, C3, C4, C5, C6, C7, typeof(C7), C8, C9, C10 FROM MzCalibration"),
+            (Rows{"1|1|0.25|20000.0|25.0|25.0|0.0|1.0e-09|1.0|2.0|3.0|4.0|5.0|NULL|NULL|NULL|null|"
+                  "NULL|NULL|NULL",
+                  "2|2|0.25|20000.0|25.0|25.0|0.0|0.0|1.0|2.0|3.0|4.0|5.0|6.0|7.0|2|integer|8.5|"
+                  "9.5|NULL",
+                  "1|1|0.25|20000.0|25.0|25.0|0.0|0.0|20000.0|170000.0|0.0|0.0|0.0|NULL|NULL|NULL|"
+                  "null|NULL|NULL|NULL"}));
+  EXPECT_EQ(
+      query(dir.path() / "analysis.oxa", "SELECT *, typeof(C0), typeof(C5) FROM KoraCalibration"),
+      (Rows{"1|2|0|400|200.0|60.0|0.0|1|0.0|125.0|50.0|210.0|integer|integer"}));
 }
 
 }  // namespace

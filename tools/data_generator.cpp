@@ -5,6 +5,8 @@
 #include <cmath>
 #include <utility>
 
+#include "tools/calibration_rows.h"
+
 namespace lumo {
 namespace writer {
 
@@ -128,9 +130,10 @@ AnalysisSpec generateAnalysis(const GeneratorOptions& options, int schema_major,
 
 void addSampleCalibration(AnalysisSpec& spec, uint32_t ramp_scans) {
   spec.mzCalibration.rows.push_back(
-      {1, 1, 0.25, 20000.0, 25.0, 25.0, 0.0, 0.0, 20000.0, 170000.0, 0.0, 0.0, 0.0});
-  spec.koraCalibration.rows.push_back(
-      {1, 2, 0, static_cast<int64_t>(ramp_scans), 200.0, 60.0, 0.0, 1, 0.0, 125.0, 50.0, 210.0});
+      mzTofRow(1, MzCalibrationHead(), {20000.0, 170000.0, 0.0, 0.0, 0.0}));
+  MobilityRamp ramp;
+  ramp.ncycles = ramp_scans;
+  spec.koraCalibration.rows.push_back(koraRampRow(1, ramp));
 }
 
 }  // namespace writer
