@@ -264,6 +264,24 @@ TEST(CalibrationRows, CellsInColumnOrder) {
       (Rows{"1|2|0|400|200.0|60.0|0.0|1|0.0|125.0|50.0|210.0|integer|integer"}));
 }
 
+TEST(AnalysisWriter, RewritingADirectoryReplacesBothFilesByteForByte) {
+  TempDir dir;
+  GeneratorOptions o;
+  o.numFrames = 3;
+  for (int form : {1, 2}) {
+    AnalysisSpec spec = generateAnalysis(o, 3, form);
+    writeAnalysis(spec, dir.path());
+    const Bytes first = readFile(dir.path() / "analysis.oxa_bin");
+    spec.metadata.set("SchemaVersionMinor", "9");
+    writeAnalysis(spec, dir.path());
+    EXPECT_EQ(readFile(dir.path() / "analysis.oxa_bin"), first);
+    EXPECT_EQ(query(dir.path() / "analysis.oxa",
+                    "SELECT Value FROM GlobalMetadata WHERE Key='SchemaVersionMinor'"),
+              Rows{"9"});
+    EXPECT_EQ(query(dir.path() / "analysis.oxa", "SELECT COUNT(*) FROM Frames"), Rows{"3"});
+  }
+}
+
 }  // namespace
 }  // namespace writer
 }  // namespace lumo
