@@ -135,6 +135,7 @@ Table koraCalibrationTable(unsigned int coefficients = 10);
 
 // The rows of GlobalMetadata (Key, Value), in insertion order. Keys may
 // repeat through append(); set() keeps one row per key.
+// Thread-compatible: one thread at a time.
 class GlobalMetadata {
  public:
   // Replaces every row of `key` with one row holding `value` (in the place
