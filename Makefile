@@ -5,7 +5,7 @@ JOBS    ?= $(shell nproc)
 CMAKE_FLAGS ?=
 SAMPLE  ?= $(BUILD)/sample-analysis
 
-.PHONY: all bootstrap configure build run test bench asan tsan clang clean
+.PHONY: all bootstrap configure build run test bench asan tsan clang fuzz clean
 
 all: build
 
@@ -39,7 +39,14 @@ tsan:
 	@$(MAKE) test BUILD=build-tsan CMAKE_FLAGS="-DKORA_SANITIZE=thread"
 
 clang:
+	@KORA_BOOTSTRAP_CLANG=1 bash scripts/bootstrap.sh
 	@$(MAKE) test BUILD=build-clang CMAKE_FLAGS="-DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++"
 
+fuzz:
+	@KORA_BOOTSTRAP_CLANG=1 bash scripts/bootstrap.sh
+	@cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKORA_BUILD_TESTS=OFF -DKORA_BUILD_FUZZERS=ON \
+		-DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ >/dev/null
+	@cmake --build build-fuzz -j $(JOBS)
+
 clean:
-	rm -rf build build-bench build-asan build-tsan build-clang
+	rm -rf build build-bench build-asan build-tsan build-clang build-fuzz

@@ -12,6 +12,10 @@ packages=(
   libvigraimpex-dev libutfcpp-dev liblapack-dev
   liblzf-dev libgtest-dev libbenchmark-dev
 )
+# The Clang build (make clang, make fuzz) needs clang and LLVM's OpenMP and sanitizer runtimes.
+if [ "${KORA_BOOTSTRAP_CLANG:-0}" = 1 ]; then
+  packages+=(clang libomp-dev libclang-rt-dev)
+fi
 
 missing=()
 for p in "${packages[@]}"; do
