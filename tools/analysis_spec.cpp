@@ -68,6 +68,12 @@ const SqlValue* GlobalMetadata::find(const std::string& key) const {
   return nullptr;
 }
 
+Table metadataTable(const GlobalMetadata& m) {
+  Table t{"GlobalMetadata", {{"Key", "TEXT"}, {"Value", ""}}, {}};
+  for (const auto& kv : m.rows()) t.rows.push_back({kv.first, kv.second});
+  return t;
+}
+
 AnalysisSpec AnalysisSpec::make(int schema_major, int compression_type, uint32_t num_bins) {
   AnalysisSpec spec;
   spec.schemaMajor = schema_major;

@@ -154,6 +154,9 @@ class GlobalMetadata {
   std::vector<std::pair<std::string, SqlValue>> rows_;
 };
 
+// Table GlobalMetadata (Key TEXT, Value untyped) with the rows of `m`.
+Table metadataTable(const GlobalMetadata& m);
+
 // Everything that makes one analysis directory. Thread-compatible.
 struct AnalysisSpec {
   // Decides the Frames columns: AccumulationTime and RampTime from 2 on.
@@ -173,7 +176,11 @@ struct AnalysisSpec {
   // Tables not created: any of "GlobalMetadata", "Frames", "MzCalibration",
   // "KoraCalibration".
   std::set<std::string> omitTables;
-  // Files not written.
+  // When set, calibration.sqlite is written with exactly these tables (e.g.
+  // metadataTable(...) and the recalibration tables); when not set, a
+  // calibration.sqlite in the directory is removed.
+  std::optional<std::vector<Table>> calibrationStore;
+  // Files not written (and removed if present).
   bool writeOxa = true;
   bool writeOxaBin = true;
   // Bytes (0xEE) after the last block.

@@ -64,6 +64,12 @@ WrittenAnalysis writeAnalysis(const AnalysisSpec& spec, const boost::filesystem:
   } else {
     boost::filesystem::remove(oxa_path);
   }
+  const boost::filesystem::path store_path = dir / "calibration.sqlite";
+  if (spec.calibrationStore) {
+    writeDatabase(*spec.calibrationStore, store_path);
+  } else {
+    boost::filesystem::remove(store_path);
+  }
   return written;
 }
 

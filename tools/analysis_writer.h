@@ -1,6 +1,6 @@
-// Writes an analysis directory from an AnalysisSpec: analysis.oxa (SQLite)
-// and analysis.oxa_bin (frame blocks). The entry point of the synthetic
-// analysis writer used by tests, benchmarks and the demo.
+// Writes an analysis directory from an AnalysisSpec: analysis.oxa (SQLite),
+// analysis.oxa_bin (frame blocks) and, if asked, calibration.sqlite. The entry point of the
+// synthetic analysis writer used by tests, benchmarks and the demo.
 #ifndef KORA_TOOLS_ANALYSIS_WRITER_H_
 #define KORA_TOOLS_ANALYSIS_WRITER_H_
 
@@ -20,7 +20,7 @@ struct WrittenAnalysis {
 };
 
 // Writes `spec` into `dir`, creating the directory if needed and replacing
-// analysis.oxa and analysis.oxa_bin if present. Throws std::runtime_error on
+// analysis.oxa, analysis.oxa_bin and calibration.sqlite if present. Throws std::runtime_error on
 // any failure of the file system, SQLite or the compressors.
 // Thread-safe for different directories.
 WrittenAnalysis writeAnalysis(const AnalysisSpec& spec, const boost::filesystem::path& dir);

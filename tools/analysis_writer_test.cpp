@@ -282,6 +282,24 @@ TEST(AnalysisWriter, RewritingADirectoryReplacesBothFilesByteForByte) {
   }
 }
 
+TEST(AnalysisWriter, CalibrationStoreHoldsExactlyTheGivenTables) {
+  TempDir dir;
+  AnalysisSpec spec = AnalysisSpec::make(3, 2);
+  GlobalMetadata store;
+  store.set("SchemaType", "CALIBRATION_SQLITE");
+  Table states{"CalibrationState", {{"Id", ""}, {"Key", ""}}, {{1, "abc"}}};
+  spec.calibrationStore = std::vector<Table>{metadataTable(store), states};
+  writeAnalysis(spec, dir.path());
+  const fs::path file = dir.path() / "calibration.sqlite";
+  EXPECT_EQ(query(file, "SELECT name FROM sqlite_master WHERE type='table' ORDER BY name"),
+            (Rows{"CalibrationState", "GlobalMetadata"}));
+  EXPECT_EQ(query(file, "SELECT * FROM GlobalMetadata"), Rows{"SchemaType|CALIBRATION_SQLITE"});
+  EXPECT_EQ(query(file, "SELECT * FROM CalibrationState"), Rows{"1|abc"});
+  spec.calibrationStore.reset();
+  writeAnalysis(spec, dir.path());
+  EXPECT_FALSE(fs::exists(file));
+}
+
 }  // namespace
 }  // namespace writer
 }  // namespace lumo

@@ -143,11 +143,7 @@ void writeOxaDatabase(const AnalysisSpec& spec, const std::vector<uint64_t>& blo
   Connection c(file.string());
   c.exec("BEGIN");
 
-  if (!spec.omitTables.count("GlobalMetadata")) {
-    Table t{"GlobalMetadata", {{"Key", "TEXT"}, {"Value", ""}}, {}};
-    for (const auto& kv : spec.metadata.rows()) t.rows.push_back({kv.first, kv.second});
-    createTable(c, t);
-  }
+  if (!spec.omitTables.count("GlobalMetadata")) createTable(c, metadataTable(spec.metadata));
   if (!spec.omitTables.count("Frames")) {
     Table t{"Frames", {}, {}};
     const std::vector<std::string> columns = frameColumns(spec);
@@ -166,6 +162,14 @@ void writeOxaDatabase(const AnalysisSpec& spec, const std::vector<uint64_t>& blo
   if (!spec.omitTables.count("KoraCalibration")) createTable(c, spec.koraCalibration);
   for (const Table& t : spec.extraTables) createTable(c, t);
 
+  c.exec("COMMIT");
+}
+
+void writeDatabase(const std::vector<Table>& tables, const boost::filesystem::path& file) {
+  boost::filesystem::remove(file);
+  Connection c(file.string());
+  c.exec("BEGIN");
+  for (const Table& t : tables) createTable(c, t);
   c.exec("COMMIT");
 }
 

@@ -1,5 +1,4 @@
-// Writes analysis.oxa, the SQLite database of an analysis. Internal to the
-// writer.
+// Writes the SQLite databases of an analysis. Internal to the writer.
 #ifndef KORA_TOOLS_OXA_DATABASE_WRITER_H_
 #define KORA_TOOLS_OXA_DATABASE_WRITER_H_
 
@@ -23,6 +22,10 @@ std::vector<std::string> frameColumns(const AnalysisSpec& spec);
 // Throws std::runtime_error with SQLite's message on failure.
 void writeOxaDatabase(const AnalysisSpec& spec, const std::vector<uint64_t>& block_offsets,
                       const boost::filesystem::path& file);
+
+// Creates `file` afresh with exactly `tables`, rows included.
+// Throws std::runtime_error with SQLite's message on failure.
+void writeDatabase(const std::vector<Table>& tables, const boost::filesystem::path& file);
 
 }  // namespace writer
 }  // namespace lumo
