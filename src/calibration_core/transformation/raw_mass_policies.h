@@ -1,0 +1,180 @@
+// Raw-to-mass policies. A raw-to-mass policy provides:
+//   double RawToMass(double raw) const
+//   double MassToRaw(double mass) const
+//   void   UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr&)
+// Its numbers are copies taken from the functional constants in
+// UpdateFunctionalConstants; the conversions read nothing else and allocate
+// nothing. All arithmetic is double, in the order written.
+//
+// Here: the tags SquareRoot and NoSquareRoot (is the polynomial's variable
+// the square root of the mass, or the mass itself), RMLinear<Tag>,
+// RMQuadratic<SquareRoot>, and the adaptors RMShift and RMInverse. The
+// cubic policy lives with the TOF2 cubic model; further specialisations live
+// with the models that use them.
+#ifndef KORA_CALIBRATION_CORE_TRANSFORMATION_RAW_MASS_POLICIES_H_
+#define KORA_CALIBRATION_CORE_TRANSFORMATION_RAW_MASS_POLICIES_H_
+
+#include <boost/pointer_cast.hpp>
+#include <cassert>
+#include <cmath>
+
+#include "calibration_core/constants/functional_constants.h"
+#include "calibration_core/transformation/policy_errors.h"
+#include "calibration_core/transformation/signed_math.h"
+
+namespace lumo {
+namespace calibration {
+namespace Transformation {
+
+struct SquareRoot {};
+struct NoSquareRoot {};
+
+template <class Tag>
+class RMLinear;
+
+// t = c0 + signedSqrt(a1 * m): the first-degree TOF law; closed both ways.
+template <>
+class RMLinear<SquareRoot> {
+ public:
+  RMLinear() : c0(0.0), a1(1.0) {}
+
+  double MassToRaw(double mass) const {
+    const double u = a1 * mass;
+    return c0 + signedSqrt(u);
+  }
+  double RawToMass(double raw) const {
+    const double x = raw - c0;
+    return signedSquare(x) / a1;
+  }
+  // Throws std::invalid_argument when `constants` is not
+  // ICalibrationConstantsFunctionalComputationLinear.
+  void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
+    ICalibrationConstantsFunctionalComputationLinearPtr linear =
+        boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalComputationLinear>(constants);
+    if (!linear) {
+      throwWrongFunctionalConstants("RMLinear", "ICalibrationConstantsFunctionalComputationLinear");
+    }
+    c0 = linear->GetC0();
+    a1 = linear->GetA1();
+  }
+
+  double c0;
+  double a1;
+};
+
+// y = A * x + c0 in the variable itself; closed both ways.
+template <>
+class RMLinear<NoSquareRoot> {
+ public:
+  RMLinear() : c0(0.0), A(1.0) {}
+
+  double MassToRaw(double mass) const { return A * mass + c0; }
+  double RawToMass(double raw) const { return (raw - c0) / A; }
+  void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
+    ICalibrationConstantsFunctionalComputationLinearPtr linear =
+        boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalComputationLinear>(constants);
+    if (!linear) {
+      throwWrongFunctionalConstants("RMLinear", "ICalibrationConstantsFunctionalComputationLinear");
+    }
+    c0 = linear->GetC0();
+    A = linear->GetA1();
+  }
+
+  double c0;
+  double A;
+};
+
+template <class Tag>
+class RMQuadratic;
+
+// t = c2 * m + signedSqrt(a1 * m) + c0. RawToMass solves
+// c2 w^2 + b w + (c0 - t) = 0 for w by the numerically stable root and
+// continues it below c0 by the mirror image (c2 negated there), so the law is
+// odd around (0, c0). Throws std::logic_error (kComplexSolutionText) where
+// the discriminant is negative.
+template <>
+class RMQuadratic<SquareRoot> {
+ public:
+  RMQuadratic() : c0(0.0), a1(1.0), c2(0.0), a1FromStoredC1(0.0), sign(1.0), b(1.0), D0(1.0) {}
+
+  double MassToRaw(double mass) const {
+    const double r = signedSqrt(a1 * mass);
+    return (c2 * mass + r) + c0;
+  }
+  double RawToMass(double raw) const {
+    const double n = c0 - raw;
+    const double d = c0 > raw ? D0 - (raw - c0) * 4.0 * c2 : D0 - n * 4.0 * c2;
+    if (d < 0) throwComplexSolution();
+    const double q = (std::sqrt(d) * sign + b) * -0.5;
+    const double w = n / q;
+    return signedSquare(w);
+  }
+  void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
+    ICalibrationConstantsFunctionalComputationQuadraticPtr quadratic =
+        boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalComputationQuadratic>(constants);
+    if (!quadratic) {
+      throwWrongFunctionalConstants("RMQuadratic",
+                                    "ICalibrationConstantsFunctionalComputationQuadratic");
+    }
+    c0 = quadratic->GetC0();
+    a1 = quadratic->GetA1();
+    c2 = quadratic->GetC2();
+    a1FromStoredC1 = quadratic->GetA1FromStoredC1();
+    sign = a1 < 0 ? -1.0 : 1.0;
+    b = signedSqrt(a1);
+    D0 = a1;
+  }
+
+  double c0;
+  double a1;
+  double c2;
+  double a1FromStoredC1;  // read by no conversion
+  double sign;
+  double b;
+  double D0;  // a1 itself, not b * b
+};
+
+// Adds the mass shift dm of ICalibrationConstantsFunctionalComputationShift:
+// MassToRaw(m) = P.MassToRaw(m + dm), RawToMass(t) = P.RawToMass(t) - dm.
+template <class P>
+class RMShift {
+ public:
+  RMShift() : dm(0.0) {}
+
+  double MassToRaw(double mass) const { return policy.MassToRaw(mass + dm); }
+  double RawToMass(double raw) const { return policy.RawToMass(raw) - dm; }
+  void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
+    ICalibrationConstantsFunctionalComputationShiftPtr shift =
+        boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalComputationShift>(constants);
+    if (!shift) {
+      throwWrongFunctionalConstants("RMShift", "ICalibrationConstantsFunctionalComputationShift");
+    }
+    P updated = policy;
+    updated.UpdateFunctionalConstants(constants);
+    dm = shift->GetDm();
+    policy = updated;
+  }
+
+  double dm;
+  P policy;
+};
+
+// Swaps the directions of P: RawToMass(t) = P.MassToRaw(t),
+// MassToRaw(m) = P.RawToMass(m).
+template <class P>
+class RMInverse {
+ public:
+  double MassToRaw(double mass) const { return policy.RawToMass(mass); }
+  double RawToMass(double raw) const { return policy.MassToRaw(raw); }
+  void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
+    policy.UpdateFunctionalConstants(constants);
+  }
+
+  P policy;
+};
+
+}  // namespace Transformation
+}  // namespace calibration
+}  // namespace lumo
+
+#endif  // KORA_CALIBRATION_CORE_TRANSFORMATION_RAW_MASS_POLICIES_H_

@@ -1,0 +1,17 @@
+#include "calibration_core/utilities/find_zero_in_range.h"
+
+#include <stdexcept>
+
+#include "sys/throw.h"
+
+namespace lumo {
+namespace calibration {
+namespace detail {
+
+void throwNegativeTolerance() { LUMO_THROW(std::runtime_error("findZeroInRange(): tol < 0.")); }
+
+void throwEmptyInterval() { LUMO_THROW(std::runtime_error("findZeroInRange(): b <= a.")); }
+
+}  // namespace detail
+}  // namespace calibration
+}  // namespace lumo
