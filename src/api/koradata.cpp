@@ -39,6 +39,22 @@ const char* const kLoggerName = "lumo.io.koradata_dll";
 // One text per thread, created by the thread's first failure, never cleared.
 boost::thread_specific_ptr<std::string> last_error;
 
+// The plain peak sink: appends each peak to two vectors, which keep their
+// capacity over the scans of a call.
+struct PeakCollector {
+  std::vector<uint32_t>* indices;
+  std::vector<uint32_t>* intensities;
+
+  void operator()(uint32_t index, uint32_t intensity) {
+    indices->push_back(index);
+    intensities->push_back(intensity);
+  }
+  void append(const uint32_t* index, const uint32_t* intensity, size_t n) {
+    indices->insert(indices->end(), index, index + n);
+    intensities->insert(intensities->end(), intensity, intensity + n);
+  }
+};
+
 // An open analysis. Thread-compatible: one thread at a time.
 class Instance : boost::noncopyable {
  public:
@@ -80,11 +96,7 @@ unsigned int Instance::readScans(int64_t frame_id, unsigned int scan_begin, unsi
   std::vector<uint32_t> indices;
   std::vector<uint32_t> intensities;
   reader.decodeScanRange(
-      frame_id, scan_begin, scan_end,
-      [&indices, &intensities](uint32_t index, uint32_t intensity) {
-        indices.push_back(index);
-        intensities.push_back(intensity);
-      },
+      frame_id, scan_begin, scan_end, PeakCollector{&indices, &intensities},
       [&](unsigned int scan) {
         result[scan - scan_begin] = static_cast<uint32_t>(indices.size());
         result.insert(result.end(), indices.begin(), indices.end());

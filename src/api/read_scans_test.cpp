@@ -123,6 +123,7 @@ TEST_P(ReadScans, WriterAnalysesReadBackPeakForPeak) {
   options.numFrames = 5;
   options.scansPerFrame = 70;
   options.emptyFrames = {3};
+  options.meanPeaksPerScan = 200;  // up to 400 peaks: scans longer than a decoder block
   const AnalysisSpec spec = lumo::writer::generateAnalysis(options, 3, type());
   const Analysis analysis(spec);
   for (size_t f = 0; f < spec.blocks.size(); ++f) {

@@ -2,12 +2,16 @@
 // scale with the time spent on a frame; a normaliser wraps a peak sink and
 // rescales each intensity on its way through, so decoding needs no second
 // pass. The factor is computed once per read; per peak the cost is one
-// multiply, one add and one conversion.
+// multiply, one add and one conversion. Each normaliser is a peak sink
+// (reader/peak_sink.h) in both forms.
 #ifndef KORA_READER_INTENSITY_NORMALIZER_H_
 #define KORA_READER_INTENSITY_NORMALIZER_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <stdexcept>
+
+#include "reader/peak_sink.h"
 
 namespace lumo {
 namespace io {
@@ -37,6 +41,22 @@ inline uint32_t truncateToCount(double scaled) {
   return static_cast<uint32_t>(static_cast<int64_t>(scaled));
 }
 
+// Scales a block of intensities and passes it on to `sink`.
+template <class F>
+void appendScaled(F& sink, const uint32_t* indices, const uint32_t* intensities, size_t n,
+                  double factor, double rounding) {
+  uint32_t scaled[kPeakBlock];
+  while (n > 0) {
+    const size_t m = n < kPeakBlock ? n : kPeakBlock;
+    for (size_t k = 0; k < m; ++k)
+      scaled[k] = truncateToCount(static_cast<double>(intensities[k]) * factor + rounding);
+    deliverPeaks(sink, indices, scaled, m);
+    indices += m;
+    intensities += m;
+    n -= m;
+  }
+}
+
 // sink(index, intensity * factor + 0.5), truncated: rounds half up.
 template <class F>
 struct Normalizer_AccuTime_100ms {
@@ -45,6 +65,9 @@ struct Normalizer_AccuTime_100ms {
 
   void operator()(uint32_t index, uint32_t intensity) {
     sink(index, truncateToCount(static_cast<double>(intensity) * factor + 0.5));
+  }
+  void append(const uint32_t* indices, const uint32_t* intensities, size_t n) {
+    appendScaled(sink, indices, intensities, n, factor, 0.5);
   }
 };
 
@@ -59,6 +82,9 @@ struct Normalizer_DutyCycle {
 
   void operator()(uint32_t index, uint32_t intensity) {
     sink(index, truncateToCount(static_cast<double>(intensity) * factor + rounding));
+  }
+  void append(const uint32_t* indices, const uint32_t* intensities, size_t n) {
+    appendScaled(sink, indices, intensities, n, factor, rounding);
   }
 };
 

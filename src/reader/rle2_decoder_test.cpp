@@ -62,6 +62,41 @@ TEST(Rle2Decoder, ReadsTheWriterFrameTable) {
   EXPECT_EQ((Peaks{{7, 70000}}), decode(words, 9, 11));
 }
 
+struct CollectBlocks {
+  Peaks* peaks;
+  std::vector<size_t>* blocks;
+  void operator()(uint32_t index, uint32_t intensity) { peaks->emplace_back(index, intensity); }
+  void append(const uint32_t* indices, const uint32_t* intensities, size_t n) {
+    blocks->push_back(n);
+    for (size_t k = 0; k < n; ++k) peaks->emplace_back(indices[k], intensities[k]);
+  }
+};
+
+TEST(Rle2Decoder, BlockSinksSeeTheSamePeaks) {
+  std::vector<writer::Scan> scans(2);
+  for (uint32_t i = 0; i < 600; ++i) {
+    scans[1].indices.push_back(3 * i + i % 2);
+    scans[1].intensities.push_back(0xFFFF0000u + i);
+  }
+  const std::vector<uint32_t> words = writer::encodeFrameWordTable(scans);
+  Peaks expected;
+  for (uint32_t i = 0; i < 600; ++i) expected.emplace_back(3 * i + i % 2, 0xFFFF0000u + i);
+  Peaks peaks;
+  std::vector<size_t> blocks;
+  decoding::decodeRLE2(5, 1, writer::toBytePlanes(words), 2, 1202, CollectBlocks{&peaks, &blocks});
+  EXPECT_EQ(expected, peaks);
+  EXPECT_EQ((std::vector<size_t>{256, 256, 88}), blocks);
+  EXPECT_EQ(expected, decode(words, 2, 1202));
+  // A normaliser passes blocks on as blocks.
+  peaks.clear();
+  blocks.clear();
+  detail::Normalizer_DutyCycle<CollectBlocks, 0> halve{CollectBlocks{&peaks, &blocks}, 0.5};
+  decoding::decodeRLE2(5, 1, writer::toBytePlanes(words), 2, 1202, halve);
+  ASSERT_EQ(600u, peaks.size());
+  EXPECT_EQ(std::make_pair(4u, (0xFFFF0000u + 1) / 2), peaks[1]);
+  EXPECT_EQ((std::vector<size_t>{256, 256, 88}), blocks);
+}
+
 TEST(Rle2Decoder, CorruptScans) {
   const std::vector<unsigned char> data = writer::toBytePlanes({1, 2, 3, 4, 5, 6});
   EXPECT_EQ(

@@ -16,6 +16,7 @@
 #include "reader/corrupt_data_error.h"
 #include "reader/little_endian.h"
 #include "reader/lzf_decompression.h"
+#include "reader/peak_sink.h"
 #include "sys/throw.h"
 
 namespace lumo {
@@ -43,8 +44,8 @@ void reportBinOverflow(uint32_t index, unsigned int num_bins, std::atomic_flag* 
 // set already (a null flag logs every time). `frame_id` and `scan` only name
 // the scan in errors.
 //
-// F: callable as void(uint32_t index, uint32_t intensity). It is called
-// directly, once per peak; nothing is allocated per peak.
+// F: a peak sink (reader/peak_sink.h), called directly; nothing is
+// allocated per peak.
 // Throws CorruptScanDataError for a corrupt stream, an expansion above
 // `max_size` bytes, or one that is not a whole number of words. Peaks handed
 // to the sink before a failure stay with the sink.
@@ -59,33 +60,43 @@ void decompressUimf(const unsigned char* data, int size, F sink, std::vector<uns
 
   const unsigned char* p = buffer.data();
   const unsigned char* const end = p + expanded;
+  uint32_t indices[detail::kPeakBlock];
+  uint32_t intensities[detail::kPeakBlock];
+  size_t n = 0;
   uint32_t index = 0;
+  // Branch-free walk: every word is written to the block, and only a kept
+  // peak advances the block's fill.
   if (!num_bins) {
     for (; p != end; p += 4) {
-      const int32_t word = static_cast<int32_t>(detail::loadLe32(p));
-      if (word < 0) {
-        index -= static_cast<uint32_t>(word);
-      } else {
-        sink(index, static_cast<uint32_t>(word));
-        ++index;
+      const uint32_t word = detail::loadLe32(p);
+      const bool peak = static_cast<int32_t>(word) >= 0;
+      indices[n] = index;
+      intensities[n] = word;
+      n += peak;
+      index += peak ? 1u : 0u - word;
+      if (n == detail::kPeakBlock) {
+        detail::deliverPeaks(sink, indices, intensities, n);
+        n = 0;
       }
     }
-    return;
-  }
-  const uint32_t bins = *num_bins;
-  for (; p != end; p += 4) {
-    const int32_t word = static_cast<int32_t>(detail::loadLe32(p));
-    if (word < 0) {
-      index -= static_cast<uint32_t>(word);
-    } else {
-      if (index < bins) {
-        sink(index, static_cast<uint32_t>(word));
-      } else {
-        detail::reportBinOverflow(index, bins, flag);
+  } else {
+    const uint32_t bins = *num_bins;
+    for (; p != end; p += 4) {
+      const uint32_t word = detail::loadLe32(p);
+      const bool peak = static_cast<int32_t>(word) >= 0;
+      const bool inside = index < bins;
+      if (peak && !inside) detail::reportBinOverflow(index, bins, flag);
+      indices[n] = index;
+      intensities[n] = word;
+      n += peak && inside;
+      index += peak ? 1u : 0u - word;
+      if (n == detail::kPeakBlock) {
+        detail::deliverPeaks(sink, indices, intensities, n);
+        n = 0;
       }
-      ++index;
     }
   }
+  detail::deliverPeaks(sink, indices, intensities, n);
 }
 
 }  // namespace kora

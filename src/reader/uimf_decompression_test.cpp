@@ -132,6 +132,44 @@ TEST_F(UimfDecoder, IndicesAtOrAboveTheBinsAreDroppedButMoveTheIndexOn) {
                       "Index 9 exceeds number of bins = 9, silently dropping from now on."));
 }
 
+// A sink that takes blocks; records the block sizes it was given.
+struct CollectBlocks {
+  Peaks* peaks;
+  std::vector<size_t>* blocks;
+  void operator()(uint32_t index, uint32_t intensity) { peaks->emplace_back(index, intensity); }
+  void append(const uint32_t* indices, const uint32_t* intensities, size_t n) {
+    blocks->push_back(n);
+    for (size_t k = 0; k < n; ++k) peaks->emplace_back(indices[k], intensities[k]);
+  }
+};
+
+TEST_F(UimfDecoder, BlockSinksSeeTheSamePeaks) {
+  // 700 peaks (some dropped by the bins), with a skip before every third.
+  std::vector<int32_t> words;
+  Peaks expected;
+  uint32_t index = 0;
+  for (int32_t i = 0; i < 700; ++i) {
+    if (i % 3 == 0) {
+      words.push_back(-(i % 7) - 1);
+      index += i % 7 + 1;
+    }
+    words.push_back(i * 11);
+    if (index < 1500) expected.emplace_back(index, i * 11);
+    ++index;
+  }
+  const Bytes stored = lzfOfWords(words);
+  std::atomic_flag flag = ATOMIC_FLAG_INIT;
+  testing::internal::CaptureStderr();
+  Peaks peaks;
+  std::vector<size_t> blocks;
+  decompressUimf(stored.data(), static_cast<int>(stored.size()), CollectBlocks{&peaks, &blocks},
+                 buffer, 4194304, 1500u, &flag, 7, 3);
+  testing::internal::GetCapturedStderr();
+  EXPECT_EQ(expected, peaks);
+  ASSERT_EQ(expected.size(), decode(stored, 1500u, &flag).size());
+  EXPECT_EQ((std::vector<size_t>{256, 256, expected.size() - 512}), blocks);
+}
+
 }  // namespace
 }  // namespace kora
 }  // namespace io
