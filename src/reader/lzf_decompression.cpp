@@ -10,23 +10,23 @@ namespace uimf {
 
 namespace {
 
-// Copies `len` bytes from `ref` to `op`, where `ref` lies before `op` and the
-// ranges may overlap: bytes written early are read again later, which is how
-// a reference to the previous byte repeats it.
-inline void copyBackReference(unsigned char* op, const unsigned char* ref, unsigned int len) {
-  const size_t distance = static_cast<size_t>(op - ref);
-  if (distance >= len) {
-    std::memcpy(op, ref, len);
+// Copies `len` bytes from `ref` to `op`, where `ref` lies `distance` bytes
+// before `op` and the ranges may overlap: bytes written early are read again
+// later, which is how a reference to the previous byte repeats it. `room` is
+// the space left at `op`; where it allows, whole chunks are copied and up to
+// one chunk beyond `len` is overwritten, bytes that later items or nobody
+// will read.
+// REQUIRES: room >= len.
+inline void copyBackReference(unsigned char* op, const unsigned char* ref, size_t len,
+                              size_t distance, size_t room) {
+  if (distance >= 16 && room >= len + 16) {
+    // Each chunk reads only bytes that are already final.
+    for (size_t i = 0; i < len; i += 16) std::memcpy(op + i, ref + i, 16);
     return;
   }
-  if (distance >= 8) {
-    // Each 8-byte step reads only bytes that are already final.
-    while (len >= 8) {
-      std::memcpy(op, ref, 8);
-      op += 8;
-      ref += 8;
-      len -= 8;
-    }
+  if (distance >= 8 && room >= len + 8) {
+    for (size_t i = 0; i < len; i += 8) std::memcpy(op + i, ref + i, 8);
+    return;
   }
   while (len--) *op++ = *ref++;
 }
@@ -51,7 +51,11 @@ unsigned int decompressLzf(const unsigned char in[], unsigned int in_len, unsign
       const unsigned int len = ctrl + 1;
       if (static_cast<size_t>(out_end - op) < len) return 0;
       if (static_cast<size_t>(in_end - ip) < len) LUMO_THROW(InvalidInputStream());
-      std::memcpy(op, ip, len);
+      // A literal run is at most 32 bytes: copy 32 where both sides allow.
+      if (static_cast<size_t>(out_end - op) >= 32 && static_cast<size_t>(in_end - ip) >= 32)
+        std::memcpy(op, ip, 32);
+      else
+        std::memcpy(op, ip, len);
       op += len;
       ip += len;
     } else {
@@ -64,7 +68,7 @@ unsigned int decompressLzf(const unsigned char in[], unsigned int in_len, unsign
       const size_t back = ((static_cast<size_t>(ctrl & 31)) << 8) + *ip++ + 1;
       if (static_cast<size_t>(out_end - op) < len + 2) return 0;
       if (static_cast<size_t>(op - out) < back) LUMO_THROW(InvalidInputStream());
-      copyBackReference(op, op - back, len + 2);
+      copyBackReference(op, op - back, len + 2, back, static_cast<size_t>(out_end - op));
       op += len + 2;
     }
   } while (ip < in_end);
