@@ -13,6 +13,7 @@
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
+#include <xmmintrin.h>
 #endif
 
 #include "reader/corrupt_data_error.h"
@@ -57,6 +58,64 @@ inline void gatherPlaneWords(const unsigned char* plane0, size_t w, size_t count
   }
 }
 
+// Decodes the first peaks of a block of `n` word pairs whose words start at
+// `plane0` in a byte-plane table of `w` words, 8 peaks per step, continuing
+// the running `index`. Returns the number of peaks decoded, a multiple of 8;
+// the rest (fewer than 8) is left to the caller. Without SSE2 it decodes none.
+inline size_t decodePairBlockSse2(const unsigned char* plane0, size_t w, size_t n, uint32_t& index,
+                                  uint32_t* indices, uint32_t* intensities) {
+  size_t k = 0;
+#if defined(__SSE2__)
+  const unsigned char* const p1 = plane0 + w;
+  const unsigned char* const p2 = p1 + w;
+  const unsigned char* const p3 = p2 + w;
+  __m128i carry = _mm_set1_epi32(static_cast<int>(index));
+  const __m128i one = _mm_set1_epi32(1);
+  // Running sums of four steps, on top of `carry`; `carry` becomes the last.
+  auto runningIndex = [&](__m128i steps) {
+    steps = _mm_add_epi32(steps, _mm_slli_si128(steps, 4));
+    steps = _mm_add_epi32(steps, _mm_slli_si128(steps, 8));
+    steps = _mm_add_epi32(steps, carry);
+    carry = _mm_shuffle_epi32(steps, 0xFF);
+    return _mm_sub_epi32(steps, one);
+  };
+  for (; k + 8 <= n; k += 8) {
+    const size_t m = 2 * k;
+    const __m128i b0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(plane0 + m));
+    const __m128i b1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p1 + m));
+    const __m128i b2 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p2 + m));
+    const __m128i b3 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p3 + m));
+    const __m128i lo01 = _mm_unpacklo_epi8(b0, b1);
+    const __m128i hi01 = _mm_unpackhi_epi8(b0, b1);
+    const __m128i lo23 = _mm_unpacklo_epi8(b2, b3);
+    const __m128i hi23 = _mm_unpackhi_epi8(b2, b3);
+    // Words 0-3, 4-7, 8-11, 12-15 of the step; even words are index steps,
+    // odd words intensities.
+    const __m128 w0 = _mm_castsi128_ps(_mm_unpacklo_epi16(lo01, lo23));
+    const __m128 w1 = _mm_castsi128_ps(_mm_unpackhi_epi16(lo01, lo23));
+    const __m128 w2 = _mm_castsi128_ps(_mm_unpacklo_epi16(hi01, hi23));
+    const __m128 w3 = _mm_castsi128_ps(_mm_unpackhi_epi16(hi01, hi23));
+    const __m128i steps_a = _mm_castps_si128(_mm_shuffle_ps(w0, w1, _MM_SHUFFLE(2, 0, 2, 0)));
+    const __m128i values_a = _mm_castps_si128(_mm_shuffle_ps(w0, w1, _MM_SHUFFLE(3, 1, 3, 1)));
+    const __m128i steps_b = _mm_castps_si128(_mm_shuffle_ps(w2, w3, _MM_SHUFFLE(2, 0, 2, 0)));
+    const __m128i values_b = _mm_castps_si128(_mm_shuffle_ps(w2, w3, _MM_SHUFFLE(3, 1, 3, 1)));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(indices + k), runningIndex(steps_a));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(indices + k + 4), runningIndex(steps_b));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(intensities + k), values_a);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(intensities + k + 4), values_b);
+  }
+  index = static_cast<uint32_t>(_mm_cvtsi128_si32(carry));
+#else
+  (void)plane0;
+  (void)w;
+  (void)n;
+  (void)index;
+  (void)indices;
+  (void)intensities;
+#endif
+  return k;
+}
+
 }  // namespace detail
 
 namespace decoding {
@@ -80,17 +139,20 @@ void decodeRLE2(int64_t frame_id, unsigned int scan, const std::vector<unsigned 
     LUMO_THROW(CorruptScanDataError(frame_id, scan, "Scan words reach beyond the frame data."));
 
   const unsigned char* const p0 = data.data();
-  uint32_t words[2 * detail::kPeakBlock];
   uint32_t indices[detail::kPeakBlock];
   uint32_t intensities[detail::kPeakBlock];
   uint32_t index = 0;
   for (size_t j = first; j < last;) {
     const size_t n = std::min<size_t>((last - j) / 2, detail::kPeakBlock);
-    detail::gatherPlaneWords(p0 + j, w, 2 * n, words);
-    for (size_t k = 0; k < n; ++k) {
-      index += words[2 * k];
-      indices[k] = index - 1;
-      intensities[k] = words[2 * k + 1];
+    size_t k = detail::decodePairBlockSse2(p0 + j, w, n, index, indices, intensities);
+    if (k < n) {
+      uint32_t words[2 * detail::kPeakBlock];
+      detail::gatherPlaneWords(p0 + j + 2 * k, w, 2 * (n - k), words);
+      for (size_t t = 0; k < n; ++k, ++t) {
+        index += words[2 * t];
+        indices[k] = index - 1;
+        intensities[k] = words[2 * t + 1];
+      }
     }
     detail::deliverPeaks(sink, indices, intensities, n);
     j += 2 * n;
