@@ -5,13 +5,16 @@
 // function by its qualified name, so the loops bind it without virtual
 // dispatch and can inline it.
 //
-// Parallelism: a loop runs on OpenMP threads (dynamic schedule, chunks of
-// one element) when the caller is not inside a parallel region already and
-// the loop is long enough: kParallelBatchThreshold elements for a batch,
-// kParallelRangeThreshold for a range. Otherwise it runs serially in index
-// order and lets the first exception out unchanged. In a parallel loop an
-// element that throws is dropped, the thread skips its remaining elements,
-// and the loop ends with std::runtime_error (kTransformationFailedText).
+// Parallelism: a loop runs on OpenMP threads when the caller is not inside a
+// parallel region already and the loop is long enough:
+// kParallelBatchThreshold elements for a batch, kParallelRangeThreshold for
+// a range. Otherwise it runs serially in index order and lets the first
+// exception out unchanged. The parallel loop hands out blocks of
+// kParallelBlockSize consecutive elements, one block per chunk of a dynamic
+// schedule: a shared counter per element would cost more than the
+// conversion itself. An element that throws is dropped, its thread skips its
+// remaining elements, and the loop ends with std::runtime_error
+// (kTransformationFailedText).
 #ifndef KORA_CALIBRATION_CORE_TRANSFORMATION_FUNCTORS_H_
 #define KORA_CALIBRATION_CORE_TRANSFORMATION_FUNCTORS_H_
 
@@ -28,6 +31,7 @@ namespace Functors {
 
 const std::size_t kParallelBatchThreshold = 100;
 const std::int32_t kParallelRangeThreshold = 8;
+const std::ptrdiff_t kParallelBlockSize = 1024;
 
 extern const char* const kTransformationFailedText;
 
@@ -39,11 +43,56 @@ extern const char* const kTransformationFailedText;
 template <class Functor, class T>
 void BatchTransformation(Functor functor, std::vector<T>& values);
 
-// Fills destination[i] = functor(source[i]) for every i of `source`.
-// `destination` is cleared and resized (zero-filled) first, so an empty
-// `source` gives an empty `destination` and starts no thread. After a failed
-// parallel loop the elements not computed keep 0. `source` and
-// `destination` may be the same vector.
+namespace detail {
+
+// Runs run(i, end) over the blocks [i, end) of kParallelBlockSize elements
+// of [0, n) on the OpenMP threads; run advances i past every element it
+// completes, so that after a throw i is the failing element. skip(begin,
+// end) gets the elements a thread leaves out after a failure of its own: the
+// rest of the failing block and every later block it takes. Throws
+// std::runtime_error (kTransformationFailedText) when any element threw.
+// REQUIRES: not inside a parallel region.
+template <class Run, class Skip>
+void parallelLoop(std::ptrdiff_t n, const Run& run, const Skip& skip) {
+  const std::ptrdiff_t blocks = (n + kParallelBlockSize - 1) / kParallelBlockSize;
+  bool failed = false;
+#pragma omp parallel for schedule(dynamic, 1) reduction(|| : failed)
+  for (std::ptrdiff_t b = 0; b < blocks; ++b) {
+    const std::ptrdiff_t begin = b * kParallelBlockSize;
+    const std::ptrdiff_t end = n - begin < kParallelBlockSize ? n : begin + kParallelBlockSize;
+    std::ptrdiff_t i = begin;
+    if (!failed) {
+      try {
+        run(i, end);
+      } catch (...) {
+        failed = true;
+      }
+    }
+    if (i < end) skip(i, end);
+  }
+  if (failed) throwTransformationFailed();
+}
+
+}  // namespace detail
+
+template <class Functor, class T>
+void BatchTransformation(Functor functor, std::vector<T>& values);
+
+// out[i] = functor(in[i]) for i from `i` up to `end`, advancing `i`. The
+// pointers do not alias each other nor the functor's model, so the model's
+// numbers stay in registers over the loop.
+template <class Functor, class S, class T>
+inline void runElements(const Functor& functor, const S* __restrict in, T* __restrict out,
+                        std::ptrdiff_t& i, std::ptrdiff_t end) {
+  for (; i < end; ++i) out[i] = functor(in[i]);
+}
+
+// Fills destination[i] = functor(source[i]) for every i of `source`;
+// `destination` gets the size of `source`, so an empty `source` gives an
+// empty `destination` and starts no thread. After a failure every element
+// not computed is T() (0): the serial loop stops at the failing element, a
+// parallel thread at its own first failure. `source` and `destination` may
+// be the same vector.
 template <class Functor, class S, class T>
 void BatchTransformation(Functor functor, const std::vector<S>& source,
                          std::vector<T>& destination) {
@@ -53,55 +102,54 @@ void BatchTransformation(Functor functor, const std::vector<S>& source,
       return;
     }
   }
-  destination.clear();
+  // Every element is written below, either with its value or with T() on
+  // failure, so the old content needs no clearing.
   destination.resize(source.size());
   if (source.empty()) return;
   const std::ptrdiff_t n = static_cast<std::ptrdiff_t>(source.size());
   const S* in = source.data();
   T* out = destination.data();
+  auto zero = [out](std::ptrdiff_t begin, std::ptrdiff_t end) {
+    for (std::ptrdiff_t i = begin; i < end; ++i) out[i] = T();
+  };
   if (!omp_in_parallel() && source.size() >= kParallelBatchThreshold) {
-    bool failed = false;
-#pragma omp parallel for schedule(dynamic, 1) reduction(|| : failed)
-    for (std::ptrdiff_t i = 0; i < n; ++i) {
-      if (failed) continue;
-      try {
-        out[i] = functor(in[i]);
-      } catch (...) {
-        failed = true;
-      }
-    }
-    if (failed) throwTransformationFailed();
+    detail::parallelLoop(
+        n, [&](std::ptrdiff_t& i, std::ptrdiff_t end) { runElements(functor, in, out, i, end); },
+        zero);
   } else {
-    for (std::ptrdiff_t i = 0; i < n; ++i) out[i] = functor(in[i]);
+    std::ptrdiff_t i = 0;
+    try {
+      runElements(functor, in, out, i, n);
+    } catch (...) {
+      zero(i, n);
+      throw;
+    }
   }
 }
 
-// In place: values[i] = functor(values[i]). After a failed parallel loop the
-// elements not computed keep their old values.
+// In place: values[i] = functor(values[i]). After a failure the elements not
+// computed keep their old values.
 template <class Functor, class T>
 void BatchTransformation(Functor functor, std::vector<T>& values) {
   if (values.empty()) return;
   const std::ptrdiff_t n = static_cast<std::ptrdiff_t>(values.size());
   T* v = values.data();
   if (!omp_in_parallel() && values.size() >= kParallelBatchThreshold) {
-    bool failed = false;
-#pragma omp parallel for schedule(dynamic, 1) reduction(|| : failed)
-    for (std::ptrdiff_t i = 0; i < n; ++i) {
-      if (failed) continue;
-      try {
-        v[i] = functor(v[i]);
-      } catch (...) {
-        failed = true;
-      }
-    }
-    if (failed) throwTransformationFailed();
+    detail::parallelLoop(
+        n,
+        [&](std::ptrdiff_t& i, std::ptrdiff_t end) {
+          for (; i < end; ++i) v[i] = functor(v[i]);
+        },
+        [](std::ptrdiff_t, std::ptrdiff_t) {});
   } else {
     for (std::ptrdiff_t i = 0; i < n; ++i) v[i] = functor(v[i]);
   }
 }
 
 // destination = functor(first), ..., functor(last).
-// Throws std::invalid_argument when last < first.
+// Throws std::invalid_argument when last < first. After a failure of the
+// parallel loop the elements not computed keep what the resized destination
+// held; the serial loop leaves the elements computed before the failure.
 template <class Functor, class T>
 void RangeTransformation(Functor functor, std::int32_t first, std::int32_t last,
                          std::vector<T>& destination) {
@@ -110,17 +158,12 @@ void RangeTransformation(Functor functor, std::int32_t first, std::int32_t last,
   if (!omp_in_parallel() && n >= kParallelRangeThreshold) {
     destination.resize(n);
     T* out = destination.data();
-    bool failed = false;
-#pragma omp parallel for schedule(dynamic, 1) reduction(|| : failed)
-    for (std::int32_t i = 0; i < n; ++i) {
-      if (failed) continue;
-      try {
-        out[i] = functor(first + i);
-      } catch (...) {
-        failed = true;
-      }
-    }
-    if (failed) throwTransformationFailed();
+    detail::parallelLoop(
+        n,
+        [&](std::ptrdiff_t& i, std::ptrdiff_t end) {
+          for (; i < end; ++i) out[i] = functor(static_cast<std::int32_t>(first + i));
+        },
+        [](std::ptrdiff_t, std::ptrdiff_t) {});
   } else {
     destination.clear();
     destination.reserve(n);

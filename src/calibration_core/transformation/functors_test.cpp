@@ -91,7 +91,7 @@ TEST(BatchTransformation, SerialFailureIsTheModelsOwnAndStopsAtOnce) {
   auto m = turningModel();
   std::vector<double> in = raws(99, 1000.0, 1.0);
   in[50] = 3e7;
-  std::vector<double> out;
+  std::vector<double> out(99, 7.0);
   EXPECT_EQ(kComplex, thrownText<std::logic_error>([&] { m->RawToMass(in, out); }));
   ASSERT_EQ(99u, out.size());
   EXPECT_EQ(m->RawToMass(in[49]), out[49]);
@@ -107,6 +107,21 @@ TEST(BatchTransformation, ParallelFailureIsTheGeneralOne) {
   std::vector<double> out;
   EXPECT_EQ(kFailed, thrownText<std::runtime_error>([&] { m->RawToMass(in, out); }));
   EXPECT_EQ(kFailed, thrownText<std::runtime_error>([&] { m->RawToMass(in); }));
+}
+
+TEST(BatchTransformation, AfterAParallelFailureEachElementIsComputedOrZero) {
+  auto m = turningModel();
+  std::vector<double> in = raws(5000, 1000.0, 1.0);
+  in[2500] = 3e7;
+  std::vector<double> out(5000, 7.0);
+  EXPECT_EQ(kFailed, thrownText<std::runtime_error>([&] { m->RawToMass(in, out); }));
+  ASSERT_EQ(5000u, out.size());
+  EXPECT_EQ(0.0, out[2500]);
+  for (size_t i = 0; i < out.size(); ++i) {
+    if (out[i] != 0.0) {
+      EXPECT_EQ(m->RawToMass(in[i]), out[i]) << i;
+    }
+  }
 }
 
 TEST(BatchTransformation, InsideAParallelRegionRunsSerially) {
