@@ -13,19 +13,35 @@ namespace {
 // Copies `len` bytes from `ref` to `op`, where `ref` lies `distance` bytes
 // before `op` and the ranges may overlap: bytes written early are read again
 // later, which is how a reference to the previous byte repeats it. `room` is
-// the space left at `op`; where it allows, whole chunks are copied and up to
-// one chunk beyond `len` is overwritten, bytes that later items or nobody
-// will read.
-// REQUIRES: room >= len.
+// the space left at `op`; where it allows, whole chunks are moved and up to
+// 16 bytes beyond `len` are overwritten (and read), bytes that later items or
+// nobody will read.
+// REQUIRES: room >= len, distance >= 1, ref + distance == op.
 inline void copyBackReference(unsigned char* op, const unsigned char* ref, size_t len,
                               size_t distance, size_t room) {
-  if (distance >= 16 && room >= len + 16) {
-    // Each chunk reads only bytes that are already final.
-    for (size_t i = 0; i < len; i += 16) std::memcpy(op + i, ref + i, 16);
-    return;
-  }
-  if (distance >= 8 && room >= len + 8) {
-    for (size_t i = 0; i < len; i += 8) std::memcpy(op + i, ref + i, 8);
+  if (room >= len + 16) {
+    unsigned char chunk[16];
+    if (distance >= len && len <= 16) {
+      // The bytes wanted all lie before op: one load, one store.
+      std::memcpy(chunk, ref, 16);
+      std::memcpy(op, chunk, 16);
+      return;
+    }
+    if (distance >= 16) {
+      // Each chunk reads only bytes that are already final.
+      for (size_t i = 0; i < len; i += 16) std::memcpy(op + i, ref + i, 16);
+      return;
+    }
+    if (distance >= 8) {
+      for (size_t i = 0; i < len; i += 8) std::memcpy(op + i, ref + i, 8);
+      return;
+    }
+    // A period below 8: repeat an 8-byte pattern at steps of the largest
+    // multiple of the period that fits 8.
+    static const unsigned char kEightModulo[8] = {0, 0, 0, 2, 0, 3, 2, 1};
+    for (size_t i = 0; i < 8; ++i) chunk[i] = i < distance ? ref[i] : chunk[i - distance];
+    const size_t step = 8 - kEightModulo[distance];
+    for (size_t i = 0; i < len; i += step) std::memcpy(op + i, chunk, 8);
     return;
   }
   while (len--) *op++ = *ref++;

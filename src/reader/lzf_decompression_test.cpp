@@ -79,6 +79,26 @@ TEST(LzfDecoder, OverlappingBackReferenceRepeatsOneByte) {
   EXPECT_EQ("ababababab", expand({1, 'a', 'b', 0xC0, 1}, 64));
 }
 
+TEST(LzfDecoder, BackReferencesOfEveryShortPeriod) {
+  for (unsigned char period = 1; period <= 20; ++period) {
+    for (unsigned char e : {0, 3, 40, 250}) {
+      Bytes in = {static_cast<unsigned char>(period - 1)};
+      std::string expected;
+      for (unsigned char i = 0; i < period; ++i) {
+        in.push_back(static_cast<unsigned char>('a' + i));
+        expected.push_back(static_cast<char>('a' + i));
+      }
+      in.insert(in.end(), {0xE0, e, static_cast<unsigned char>(period - 1), 0, 'z'});
+      for (size_t i = 0; i < 7u + e + 2; ++i) expected.push_back(expected[i]);
+      expected.push_back('z');
+      // Room to spare, and exactly enough room.
+      EXPECT_EQ(expected, expand(in, 1000)) << int(period) << " " << int(e);
+      EXPECT_EQ(expected, expand(in, static_cast<unsigned int>(expected.size())))
+          << int(period) << " " << int(e);
+    }
+  }
+}
+
 TEST(LzfDecoder, OutputTooSmallGivesZero) {
   EXPECT_EQ("", expand({2, 'a', 'b', 'c'}, 2));
   EXPECT_EQ("abc", expand({2, 'a', 'b', 'c'}, 3));
