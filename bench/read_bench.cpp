@@ -10,7 +10,9 @@
 // the minimum CPU time counts. At the end the ratio read time / baseline time
 // is printed per type.
 //
-// Flags: --frames=N (default 300), and the usual --benchmark_* flags.
+// Flags: --frames=N (default 300); --accumulation_time=T to give every frame
+// that AccumulationTime (the writer's is 100, a normalisation factor of 1);
+// and the usual --benchmark_* flags.
 #include <benchmark/benchmark.h>
 #include <lzf.h>
 #include <zstd.h>
@@ -38,6 +40,9 @@ using lumo::writer::Bytes;
 
 constexpr uint32_t kScans = 918;
 uint32_t g_frames = 300;
+// AccumulationTime of every frame; 0 keeps the writer's (100, which makes
+// the default normalisation a factor of 1).
+double g_accumulation_time = 0.0;
 
 uint32_t loadLe32(const unsigned char* p) {
   return static_cast<uint32_t>(p[0]) | static_cast<uint32_t>(p[1]) << 8 |
@@ -63,6 +68,8 @@ Dataset& dataset(int type) {
   if (d.handle != 0) return d;
   lumo::writer::AnalysisSpec spec = lumo::writer::generateAnalysis(
       lumo::writer::GeneratorOptions::realistic(2026, g_frames), 3, type);
+  if (g_accumulation_time != 0.0)
+    for (auto& row : spec.frames) row.accumulationTime = g_accumulation_time;
   d.dir = fs::temp_directory_path() / fs::unique_path("koradata-bench-%%%%-%%%%");
   const lumo::writer::WrittenAnalysis written = lumo::writer::writeAnalysis(spec, d.dir);
   for (const auto& block : spec.blocks)
@@ -182,6 +189,8 @@ int main(int argc, char** argv) {
   for (int i = 0; i < argc; ++i) {
     if (std::strncmp(argv[i], "--frames=", 9) == 0) {
       g_frames = static_cast<uint32_t>(std::strtoul(argv[i] + 9, nullptr, 10));
+    } else if (std::strncmp(argv[i], "--accumulation_time=", 20) == 0) {
+      g_accumulation_time = std::strtod(argv[i] + 20, nullptr);
     } else {
       args.push_back(argv[i]);
     }

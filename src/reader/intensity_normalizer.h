@@ -41,10 +41,16 @@ inline uint32_t truncateToCount(double scaled) {
   return static_cast<uint32_t>(static_cast<int64_t>(scaled));
 }
 
-// Scales a block of intensities and passes it on to `sink`.
+// Scales a block of intensities and passes it on to `sink`. A factor of
+// exactly 1.0 changes no count (v + 0.5 is exact below 2^32 and truncates to
+// v), so the block passes as it is.
 template <class F>
 void appendScaled(F& sink, const uint32_t* indices, const uint32_t* intensities, size_t n,
                   double factor, double rounding) {
+  if (factor == 1.0) {
+    deliverPeaks(sink, indices, intensities, n);
+    return;
+  }
   uint32_t scaled[kPeakBlock];
   while (n > 0) {
     const size_t m = n < kPeakBlock ? n : kPeakBlock;
