@@ -7,7 +7,7 @@ namespace lumo {
 namespace logging {
 
 struct Level {
-  enum type { TRACE = 0, DEBUG = 1, INFO = 2, WARN = 3, ERROR = 4, FATAL = 5 };
+  enum type : int { TRACE = 0, DEBUG = 1, INFO = 2, WARN = 3, ERROR = 4, FATAL = 5 };
 };
 
 }  // namespace logging

@@ -16,8 +16,6 @@ namespace {
 
 using boost::property_tree::ptree;
 
-const char kNullSinkClass[] = "lumo.logging.NullSink";
-
 [[noreturn]] void fail(const std::string& text) { LUMO_THROW_NO_TRACE(std::runtime_error(text)); }
 
 // A <sink> element while the document is parsed.

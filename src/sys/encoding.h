@@ -15,7 +15,7 @@ namespace sys {
 
 // Which native narrow encoding a conversion targets.
 struct NativeEncodingOption {
-  enum type {
+  enum type : int {
     ANSI = 0,              // the system's ANSI code page
     OEM = 1,               // the system's OEM code page
     FILE_APIS_CURRENT = 2  // the code page the file functions currently use

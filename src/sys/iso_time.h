@@ -16,7 +16,7 @@ namespace posix {
 // fraction digits (microseconds), bit 2 three (milliseconds, cut) and takes
 // precedence. Values 6 and 7 are invalid.
 struct FormatOption {
-  enum type {
+  enum type : int {
     BLANK = 0,
     T_SEPARATOR = 1,
     BLANK_MICROSECONDS = 2,
