@@ -105,6 +105,27 @@ TEST_F(PerScanLzfFile, HeaderFailures) {
             error(2, 0, 1));
 }
 
+TEST_F(PerScanLzfFile, AFailedHeaderIsNotReadAgain) {
+  spec(1).addFrame({scan({1}, {1})});
+  FrameBlock short_table;  // the last block, cut inside its offsets
+  short_table.scans.resize(3);
+  short_table.truncateTo = 8 + 8;
+  spec(1).addFrame(short_table);
+  open(1);
+  EXPECT_EQ("CorruptFrameDataError for FrameId=2: Error reading binary scan offsets.",
+            error(2, 0, 1));
+  // The header keeps the frame's identity and is not loaded again: the table
+  // is used as the failure left it, two offsets read (scan 0 empty) and the
+  // rest zero, which runs backwards.
+  EXPECT_EQ(Peaks{}, read(2, 0, 1));
+  EXPECT_EQ("CorruptFrameDataError for FrameId=2: Compressed scan-range size too large.",
+            error(2, 1, 2));
+  EXPECT_EQ(
+      "CorruptFrameDataError for FrameId=1: Can't seek to binary header. Current position: -1. "
+      "Error flags: good: 0, eof 0, fail 1, bad 0",
+      error(1, 0, 1));
+}
+
 TEST_F(PerScanLzfFile, HeaderCutOff) {
   FrameBlock cut;
   cut.scans.resize(1);
