@@ -221,9 +221,10 @@ TEST_P(ReadScans, IndicesAtOrAboveTheBinsAreDroppedOnlyUnderPerScanLzf) {
     ++lines;
   // One line per handle, for the first dropped peak only.
   EXPECT_EQ(type() == 1 ? 2u : 0u, lines) << log;
-  if (type() == 1)
+  if (type() == 1) {
     EXPECT_NE(std::string::npos,
               log.find("Index 100 exceeds number of bins = 100, silently dropping from now on."));
+  }
 }
 
 TEST_P(ReadScans, NormalisationBySchemaVersion) {
