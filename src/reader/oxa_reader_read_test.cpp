@@ -141,9 +141,11 @@ TEST_F(PerScanLzfFile, MostScansLoad) {
   block.numScans = 131072;
   block.scanOffsets = std::vector<uint32_t>(131073, 8 + 4 * 131073);
   spec(1).addFrame(block);
+  spec(1).addFrame(FrameBlock{});  // no scans: a table of one offset
   open(1);
   EXPECT_EQ(Peaks{}, read(1, 131070, 131072));
   EXPECT_EQ("Scan number out of range.", error(1, 131071, 131073));
+  EXPECT_EQ("Scan number out of range.", error(2, 0, 1));
 }
 
 TEST_F(PerScanLzfFile, RunFailures) {
