@@ -5,14 +5,8 @@
 
 #include "logging/log_stream.h"
 #include "logging/logger.h"
-#include "sys/throw.h"
-
-// The range search of the numerics library; until that library is part of
-// the build, range requests fail with std::logic_error.
-#if __has_include("math/polynomials.h")
 #include "math/polynomials.h"
-#define KORA_HAVE_MONOTONIC_POLY_RANGE 1
-#endif
+#include "sys/throw.h"
 
 namespace lumo {
 namespace calibration {
@@ -25,12 +19,7 @@ std::pair<double, double> monotonicPolyShiftedSqrtRange(const vigra::Polynomial<
   if (!(x >= 0)) {
     LUMO_THROW(std::runtime_error("Mass->time mapping not defined for specified value of 'm0'"));
   }
-#ifdef KORA_HAVE_MONOTONIC_POLY_RANGE
   std::pair<double, double> range = math::monotonicPolyRange(polynomial, std::sqrt(x));
-#else
-  std::pair<double, double> range;
-  LUMO_THROW(std::logic_error("monotonic range search not available in this build"));
-#endif
   logging::LogStream(logger, logging::Level::TRACE)
       << "Calculated monotonic x range is: [" << range.first << "," << range.second << "]";
   if (range.first < 0) range.first = 0;
