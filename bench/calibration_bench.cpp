@@ -195,7 +195,7 @@ void BM_TOF2Cubic_MassToDIndex(benchmark::State& s) { libraryMassToDIndex(s, cub
 
 // Three short repetitions each; the table takes the fastest of them, which
 // is the one least disturbed by other work on the machine.
-constexpr double kMinTime = 0.2;
+constexpr double kMinTime = 0.1;
 constexpr int kRepetitions = 3;
 BENCHMARK(BM_TOFQuadratic_DIndexToMass_Plain)
     ->MinTime(kMinTime)
