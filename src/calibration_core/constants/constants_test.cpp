@@ -96,6 +96,33 @@ TEST(FunctionalConstants, Dumps) {
       CalibrationConstantsFunctionalTOF2(1.0, 2.0, 3.0, 4.0, 5.0).Dump());
 }
 
+TEST(FunctionalConstants, DumpsOfTheOtherFamilies) {
+  EXPECT_EQ("\tCalibrationConstantsFunctionalHalyard[ c0 = 1, c1 = 2, c2 = 3, calibMode = 4 ]",
+            Constants::CalibrationConstantsFunctionalHalyard(1.0, 2.0, 3.0, 4).Dump());
+  EXPECT_EQ("\tCalibrationConstantsFunctionalLinear[ c0 = 1.5, c1 = 2, calibMode = -1 ]",
+            Constants::CalibrationConstantsFunctionalLinear(1.5, 2.0).Dump());
+  EXPECT_EQ(
+      "\tCalibrationConstantsFunctionalFTMS04[ \n\t\tbeta = 2, freq high = 3, ftms raw mode = 4, "
+      "calib mode = 0 ]",
+      CalibrationConstantsFunctionalFTMS04(2.0, 3.0, 4, 0).Dump());
+  EXPECT_EQ(
+      "\tCalibrationConstantsFunctionalFTMS1356[ \n\t\talpha = 1, beta = 2, freq high = 3, ftms "
+      "raw mode = 5, calib mode = 6 ]",
+      CalibrationConstantsFunctionalFTMS1356(1.0, 2.0, 3.0, 5, 6).Dump());
+}
+
+TEST(FunctionalConstants, ComputationNumbersOfTheOtherFamilies) {
+  Constants::CalibrationConstantsFunctionalHalyard halyard(1.0, 2.0, 3.0);
+  EXPECT_EQ(2.0, halyard.GetA1());
+  Constants::CalibrationConstantsFunctionalLinear linear(1.0, 2.0);
+  EXPECT_EQ(1.0, linear.GetC0());
+  EXPECT_EQ(2.0, linear.GetA1());
+  CalibrationConstantsFunctionalFTMS1356 ftms(5.0, 7.0, 3.0, 1, 1);
+  EXPECT_EQ(0.0, ftms.GetC0());
+  EXPECT_EQ(7.0, ftms.GetA1());
+  EXPECT_EQ(5.0, ftms.GetC2());
+}
+
 TEST(FunctionalConstantsFTMS, ModeChecks) {
   CalibrationConstantsFunctionalFTMS04 ftms04(2.0, 3.0);
   EXPECT_NO_THROW(ftms04.SetCalibMode(4));
@@ -125,6 +152,18 @@ TEST(PhysicalConstantsTOF, ConstructorTakesTimeBaseFirst) {
   EXPECT_EQ(100.0, p.GetA0());
   EXPECT_EQ(0.5, p.GetA1());
   EXPECT_EQ("\tCalibrationConstantsPhysicalTOF[ time delay = 100, time base = 0.5 ]", p.Dump());
+}
+
+TEST(PhysicalConstants, DumpsOfTheOtherFamilies) {
+  EXPECT_EQ("\tCalibrationConstantsPhysicalLinear[ a0 = 1, a1 = 0.5 ]",
+            Constants::CalibrationConstantsPhysicalLinear(1.0, 0.5).Dump());
+  EXPECT_EQ(
+      "\tCalibrationConstantsPhysicalHalyard[ measurements per raw mass = 4, begin raw mass = 10 ]",
+      CalibrationConstantsPhysicalHalyard(10.0, 4.0).Dump());
+  EXPECT_EQ(
+      "\tCalibrationConstantsPhysicalFTMS[ \n\t\ta0 = 1000, a1 = 5\n\t\tcalib mode = 2\n\t\tfreq "
+      "low = 1000, freq width = 500, ftms raw mode = 3, size = 100 ]",
+      CalibrationConstantsPhysicalFTMS(1000.0, 500.0, 100, 2, 3).Dump());
 }
 
 TEST(PhysicalConstants, AssimilateIndexOffsetKeepsTheAxis) {
