@@ -1,11 +1,16 @@
-# Fails unless LIB exports exactly the functions of include/koradata.h.
-set(EXPECTED
-  kora_close
-  kora_get_last_error_string
-  kora_has_recalibrated_state
-  kora_open
-  kora_set_num_threads
-)
+# Fails unless LIB exports exactly the functions that HEADER declares.
+# The expected list is every function the public header declares with
+# KORA_EXPORT.
+file(READ ${HEADER} header)
+string(REGEX MATCHALL "KORA_EXPORT[^;(]*[ *](kora_[a-z0-9_]+)\\(" decls "${header}")
+set(EXPECTED)
+foreach(decl IN LISTS decls)
+  string(REGEX REPLACE ".*[ *](kora_[a-z0-9_]+)\\($" "\\1" name "${decl}")
+  list(APPEND EXPECTED ${name})
+endforeach()
+if(NOT EXPECTED)
+  message(FATAL_ERROR "no KORA_EXPORT declarations found in ${HEADER}")
+endif()
 execute_process(COMMAND nm -D --defined-only ${LIB} OUTPUT_VARIABLE out RESULT_VARIABLE rc)
 if(NOT rc EQUAL 0)
   message(FATAL_ERROR "nm failed on ${LIB}")
