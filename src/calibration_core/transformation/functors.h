@@ -9,10 +9,10 @@
 // parallel region already and the loop is long enough:
 // kParallelBatchThreshold elements for a batch, kParallelRangeThreshold for
 // a range. Otherwise it runs serially in index order and lets the first
-// exception out unchanged. The parallel loop hands out blocks of
+// exception out unchanged. The parallel loop hands out blocks of up to
 // kParallelBlockSize consecutive elements, one block per chunk of a dynamic
-// schedule: a shared counter per element would cost more than the
-// conversion itself. An element that throws is dropped, its thread skips its
+// schedule: on long loops a shared counter per element would cost more than
+// the conversion itself. An element that throws is dropped, its thread skips its
 // remaining elements, and the loop ends with std::runtime_error
 // (kTransformationFailedText).
 #ifndef KORA_CALIBRATION_CORE_TRANSFORMATION_FUNCTORS_H_
@@ -31,6 +31,7 @@ namespace Functors {
 
 const std::size_t kParallelBatchThreshold = 100;
 const std::int32_t kParallelRangeThreshold = 8;
+// The largest block of consecutive elements handed out as one chunk.
 const std::ptrdiff_t kParallelBlockSize = 1024;
 
 extern const char* const kTransformationFailedText;
@@ -45,7 +46,15 @@ void BatchTransformation(Functor functor, std::vector<T>& values);
 
 namespace detail {
 
-// Runs run(i, end) over the blocks [i, end) of kParallelBlockSize elements
+// The block size of a parallel loop over n elements: about four blocks per
+// thread, at least 1 and at most kParallelBlockSize elements.
+inline std::ptrdiff_t parallelBlockSize(std::ptrdiff_t n) {
+  const std::ptrdiff_t quarterShare = n / (4 * static_cast<std::ptrdiff_t>(omp_get_max_threads()));
+  if (quarterShare < 1) return 1;
+  return quarterShare < kParallelBlockSize ? quarterShare : kParallelBlockSize;
+}
+
+// Runs run(i, end) over the blocks [i, end) of parallelBlockSize(n) elements
 // of [0, n) on the OpenMP threads; run advances i past every element it
 // completes, so that after a throw i is the failing element. skip(begin,
 // end) gets the elements a thread leaves out after a failure of its own: the
@@ -54,12 +63,13 @@ namespace detail {
 // REQUIRES: not inside a parallel region.
 template <class Run, class Skip>
 void parallelLoop(std::ptrdiff_t n, const Run& run, const Skip& skip) {
-  const std::ptrdiff_t blocks = (n + kParallelBlockSize - 1) / kParallelBlockSize;
+  const std::ptrdiff_t blockSize = parallelBlockSize(n);
+  const std::ptrdiff_t blocks = (n + blockSize - 1) / blockSize;
   bool failed = false;
 #pragma omp parallel for schedule(dynamic, 1) reduction(|| : failed)
   for (std::ptrdiff_t b = 0; b < blocks; ++b) {
-    const std::ptrdiff_t begin = b * kParallelBlockSize;
-    const std::ptrdiff_t end = n - begin < kParallelBlockSize ? n : begin + kParallelBlockSize;
+    const std::ptrdiff_t begin = b * blockSize;
+    const std::ptrdiff_t end = n - begin < blockSize ? n : begin + blockSize;
     std::ptrdiff_t i = begin;
     if (!failed) {
       try {
