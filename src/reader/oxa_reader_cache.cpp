@@ -1,7 +1,5 @@
 #include "reader/oxa_reader_cache.h"
 
-#include <cassert>
-
 namespace lumo {
 namespace io {
 namespace kora {
@@ -17,7 +15,6 @@ void OxaReaderCache::ensureFrameHeaderLoaded(std::istream& stream, int64_t frame
 }
 
 std::pair<const unsigned char*, unsigned int> OxaReaderCache::getScan(unsigned int scan) const {
-  assert(scan >= scanRangeBegin && scan < scanRangeEnd);
   const std::pair<uint64_t, uint32_t> where = header.getScanStartOffset(scan);
   if (where.second == 0) return {nullptr, 0};
   if (where.first < blockStart || where.first - blockStart > runSize ||

@@ -68,7 +68,8 @@ class OxaReaderCache : boost::noncopyable {
   // Compressed bytes of a cached scan; (nullptr, 0) for an empty scan.
   // Throws CorruptScanDataError when the frame's offsets put the scan outside
   // the cached run (offsets that run backwards inside the run).
-  // REQUIRES: contains(kora_id of the run, scan).
+  // REQUIRES: the last fill was for the scan's frame and took the scan in, or
+  // found it empty (a run of 0 bytes caches nothing).
   std::pair<const unsigned char*, unsigned int> getScan(unsigned int scan) const;
 
  private:
