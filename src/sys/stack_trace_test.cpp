@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <boost/exception/diagnostic_information.hpp>
 #include <boost/exception/get_error_info.hpp>
 #include <stdexcept>
@@ -17,7 +18,7 @@ namespace diag {
 namespace {
 
 // Three frames that survive optimisation: not inlined, no tail calls.
-volatile int sideEffect = 0;
+std::atomic<int> sideEffect{0};
 __attribute__((noinline)) void throwingLevelThree(int code) {
   ++sideEffect;
   LUMO_THROW(std::invalid_argument("level three failed: " + std::to_string(code)));
