@@ -9,6 +9,7 @@
 #include <boost/filesystem.hpp>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <fstream>
 #include <regex>
 #include <stdexcept>
@@ -57,6 +58,25 @@ TEST(Child, AsyncFlood) {
   // No handle is released and nothing is stopped: the exit drains the queue.
   static const Logger logger = Logger::getLogger("lumo.test.Flood");
   for (int i = 0; i < 10000; ++i) LogStream(logger, Level::INFO) << "event " << i;
+}
+
+// Made before the logger table, so destroyed after it: asks for a logger at
+// process exit, when the table is gone.
+struct LateRequest {
+  ~LateRequest() {
+    try {
+      Logger::getLogger("lumo.test.Late");
+      std::fputs("LATE: no error\n", stderr);
+    } catch (const std::exception& e) {
+      std::fprintf(stderr, "LATE: %s\n", e.what());
+    }
+  }
+};
+
+TEST(Child, RequestAfterExit) {
+  KORA_SKIP_UNLESS_CHILD();
+  static LateRequest late;
+  LogStream(Logger::getLogger("lumo.test.Child"), Level::INFO) << "before exit";
 }
 
 // ---- Helpers ---------------------------------------------------------------
@@ -125,6 +145,16 @@ TEST(LoggerTable, NameRules) {
 }
 
 // ---- Fresh processes -------------------------------------------------------
+
+TEST(LoggerTable, NoResurrectionAfterProcessWideDestruction) {
+  const ChildRun run = runChild(sys::executablePath(), "Child.RequestAfterExit");
+  ASSERT_EQ(0, run.exitCode) << run.err;
+  EXPECT_TRUE(contains(run.out, lineOf("INFO ", "before exit")));
+  EXPECT_TRUE(contains(run.err,
+                       "LATE: Boost.Interprocess: Dead reference on non-Phoenix singleton of type"))
+      << run.err;
+  EXPECT_TRUE(contains(run.err, "LoggerMapWrapper")) << run.err;
+}
 
 TEST(Configuration, BuiltInWhenNoHookAndNoFile) {
   const ChildRun run = runChild(sys::executablePath(), "Child.LogLines");
