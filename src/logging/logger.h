@@ -19,7 +19,10 @@ class Logger {
   class Impl;
 
   // The logger of `name` (dotted, every part starting with a letter), made on
-  // first request. Throws std::runtime_error on an invalid name.
+  // first request with the configuration the process read when its first
+  // logger was requested. Throws std::runtime_error "Invalid logger name: .."
+  // and, after the process-wide table was destroyed at exit,
+  // boost::interprocess::interprocess_exception.
   static Logger getLogger(const char* name);
 
   // True when the logger's threshold is not above `level`.
