@@ -125,8 +125,12 @@ template int OxaReaderImpl::getGlobalMetadatumRequired<int>(const std::string&);
 template unsigned int OxaReaderImpl::getGlobalMetadatumRequired<unsigned int>(const std::string&);
 
 const detail::FrameInfo& OxaReaderImpl::getFrameInfo(int64_t frame_id) {
+  if (lastFrameInfo && lastFrameInfo->first == frame_id) return lastFrameInfo->second;
   const auto hit = frameInfoCache.find(frame_id);
-  if (hit != frameInfoCache.end()) return hit->second;
+  if (hit != frameInfoCache.end()) {
+    lastFrameInfo = &*hit;
+    return hit->second;
+  }
 
   std::string sql;
   if (schemaVersionMajor == 1) {
@@ -150,7 +154,8 @@ const detail::FrameInfo& OxaReaderImpl::getFrameInfo(int64_t frame_id) {
     info.accumulationTime = q.getFloatField(1, 0.0);
     info.rampTime = q.getFloatField(2, 0.0);
   }
-  return frameInfoCache.emplace(frame_id, info).first->second;
+  lastFrameInfo = &*frameInfoCache.emplace(frame_id, info).first;
+  return lastFrameInfo->second;
 }
 
 }  // namespace kora

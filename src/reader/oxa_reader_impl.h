@@ -73,6 +73,9 @@ class OxaReaderImpl : boost::noncopyable {
   std::unique_ptr<OxaReaderCache> scanCache;    // set for compression type 1
   std::unique_ptr<OxaFrameReader> frameReader;  // set for compression type 2
   std::map<int64_t, detail::FrameInfo> frameInfoCache;
+  // The entry of the last lookup, or null: a read asks for the same frame
+  // once per scan. Map entries never move, so the pointer stays valid.
+  const std::pair<const int64_t, detail::FrameInfo>* lastFrameInfo = nullptr;
 };
 
 // The query of one GlobalMetadata key. Keys are constants of the program and
