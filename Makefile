@@ -30,7 +30,7 @@ bench:
 	@bash scripts/bootstrap.sh
 	@cmake -S . -B build-bench -G Ninja -DCMAKE_BUILD_TYPE=Release -DKORA_BUILD_TESTS=OFF -DKORA_BUILD_BENCHMARKS=ON >/dev/null
 	@cmake --build build-bench -j $(JOBS)
-	@for b in build-bench/bench/*_bench; do echo "== $$b"; $$b; done
+	@for b in $$(find build-bench -name '*_bench' -type f -perm -u+x | sort); do echo "== $$b"; $$b; done
 
 asan:
 	@$(MAKE) test BUILD=build-asan CMAKE_FLAGS="-DKORA_SANITIZE=address,undefined"
