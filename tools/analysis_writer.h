@@ -15,7 +15,7 @@ namespace writer {
 
 // Where the blocks went.
 struct WrittenAnalysis {
-  std::vector<uint64_t> blockOffsets;  // file offset of each block of the spec
+  std::vector<uint64_t> blockOffsets;  // file offset of each AnalysisSpec block
   uint64_t binSize = 0;                // size of analysis.oxa_bin in bytes
 };
 
