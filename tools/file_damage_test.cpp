@@ -7,6 +7,8 @@
 #include <iterator>
 #include <vector>
 
+#include "testing/thrown_text.h"
+
 namespace lumo {
 namespace writer {
 namespace {
@@ -40,21 +42,13 @@ TEST_F(FileDamage, TruncateFlipAndOverwriteInPlace) {
   EXPECT_EQ(bytes(), (std::vector<unsigned char>{1, 0xDD}));
 }
 
-template <class F>
-std::string errorOf(F f) {
-  try {
-    f();
-  } catch (const std::runtime_error& e) {
-    return e.what();
-  }
-  return "no error";
-}
-
 TEST_F(FileDamage, RefusesToWorkBeyondTheEnd) {
   const std::string in = " in " + path_.string();
-  EXPECT_EQ(errorOf([&] { truncateFile(path_, 7); }), "Cannot truncate beyond the end" + in);
-  EXPECT_EQ(errorOf([&] { flipByte(path_, 6); }), "Cannot flip a byte beyond the end" + in);
-  EXPECT_EQ(errorOf([&] { overwriteLe32(path_, 3, 0); }),
+  EXPECT_EQ(kora_testing::thrownText<std::runtime_error>([&] { truncateFile(path_, 7); }),
+            "Cannot truncate beyond the end" + in);
+  EXPECT_EQ(kora_testing::thrownText<std::runtime_error>([&] { flipByte(path_, 6); }),
+            "Cannot flip a byte beyond the end" + in);
+  EXPECT_EQ(kora_testing::thrownText<std::runtime_error>([&] { overwriteLe32(path_, 3, 0); }),
             "Cannot write a word beyond the end" + in);
   EXPECT_EQ(bytes().size(), 6u);
 }

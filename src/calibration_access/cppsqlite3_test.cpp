@@ -4,18 +4,11 @@
 
 #include <string>
 
+#include "testing/thrown_text.h"
+
 namespace {
 
-// Runs `f` and returns the what() of the CppSQLite3Exception it throws.
-template <class F>
-std::string sqlError(F f) {
-  try {
-    f();
-  } catch (const CppSQLite3Exception& e) {
-    return e.what();
-  }
-  return "<no exception>";
-}
+using kora_testing::thrownText;
 
 class SqlTest : public ::testing::Test {
  protected:
@@ -39,23 +32,23 @@ TEST(CppSQLite3Exception, FormatsNameCodeAndMessage) {
 TEST(CppSQLite3DB, RefusesEveryOperationBeforeOpen) {
   CppSQLite3DB closed;
   const std::string notOpen = "CPPSQLITE_ERROR[1000]: Database not open";
-  EXPECT_EQ(notOpen, sqlError([&] { closed.execDML("SELECT 1"); }));
-  EXPECT_EQ(notOpen, sqlError([&] { closed.execQuery("SELECT 1"); }));
-  EXPECT_EQ(notOpen, sqlError([&] { closed.compileStatement("SELECT 1"); }));
-  EXPECT_EQ(notOpen, sqlError([&] { closed.getTable("SELECT 1"); }));
+  EXPECT_EQ(notOpen, thrownText<CppSQLite3Exception>([&] { closed.execDML("SELECT 1"); }));
+  EXPECT_EQ(notOpen, thrownText<CppSQLite3Exception>([&] { closed.execQuery("SELECT 1"); }));
+  EXPECT_EQ(notOpen, thrownText<CppSQLite3Exception>([&] { closed.compileStatement("SELECT 1"); }));
+  EXPECT_EQ(notOpen, thrownText<CppSQLite3Exception>([&] { closed.getTable("SELECT 1"); }));
   closed.close();  // closing a closed connection does nothing
 }
 
 TEST(CppSQLite3DB, ReportsOpenAndSqlFailuresWithSqliteText) {
   CppSQLite3DB bad;
   EXPECT_EQ("SQLITE_CANTOPEN[14]: unable to open database file",
-            sqlError([&] { bad.open("/nonexistent-dir/x/analysis.oxa"); }));
+            thrownText<CppSQLite3Exception>([&] { bad.open("/nonexistent-dir/x/analysis.oxa"); }));
   CppSQLite3DB db;
   db.open(":memory:");
   EXPECT_EQ("SQLITE_ERROR[1]: no such table: missing",
-            sqlError([&] { db.execQuery("SELECT * FROM missing"); }));
+            thrownText<CppSQLite3Exception>([&] { db.execQuery("SELECT * FROM missing"); }));
   EXPECT_EQ("SQLITE_ERROR[1]: near \"NONSENSE\": syntax error",
-            sqlError([&] { db.execDML("NONSENSE"); }));
+            thrownText<CppSQLite3Exception>([&] { db.execDML("NONSENSE"); }));
   EXPECT_EQ(0, db.execDML("PRAGMA busy_timeout=15000"));
 }
 
@@ -88,9 +81,9 @@ TEST_F(SqlTest, EmptyResultIsAValidCursorAtEof) {
 TEST_F(SqlTest, FieldIndexIsChecked) {
   CppSQLite3Query q = db.execQuery("SELECT a FROM t");
   const std::string invalid = "CPPSQLITE_ERROR[1000]: Invalid field index requested";
-  EXPECT_EQ(invalid, sqlError([&] { q.getIntField(1, 7); }));
-  EXPECT_EQ(invalid, sqlError([&] { q.fieldValue(-1); }));
-  EXPECT_EQ(invalid, sqlError([&] { q.fieldType(1); }));
+  EXPECT_EQ(invalid, thrownText<CppSQLite3Exception>([&] { q.getIntField(1, 7); }));
+  EXPECT_EQ(invalid, thrownText<CppSQLite3Exception>([&] { q.fieldValue(-1); }));
+  EXPECT_EQ(invalid, thrownText<CppSQLite3Exception>([&] { q.fieldType(1); }));
 }
 
 TEST_F(SqlTest, MovedFromQueryHasNoStatement) {
@@ -98,9 +91,9 @@ TEST_F(SqlTest, MovedFromQueryHasNoStatement) {
   CppSQLite3Query r = std::move(q);
   EXPECT_FALSE(r.eof());
   const std::string nullVm = "CPPSQLITE_ERROR[1000]: Null Virtual Machine pointer";
-  EXPECT_EQ(nullVm, sqlError([&] { q.eof(); }));
-  EXPECT_EQ(nullVm, sqlError([&] { q.getIntField(0, 0); }));
-  EXPECT_EQ(nullVm, sqlError([&] { q.nextRow(); }));
+  EXPECT_EQ(nullVm, thrownText<CppSQLite3Exception>([&] { q.eof(); }));
+  EXPECT_EQ(nullVm, thrownText<CppSQLite3Exception>([&] { q.getIntField(0, 0); }));
+  EXPECT_EQ(nullVm, thrownText<CppSQLite3Exception>([&] { q.nextRow(); }));
 }
 
 TEST_F(SqlTest, StatementBindsAndYieldsCursorsItKeeps) {
@@ -116,10 +109,11 @@ TEST_F(SqlTest, StatementBindsAndYieldsCursorsItKeeps) {
   CppSQLite3Query q = st.execQuery();
   EXPECT_STREQ("one", q.fieldValue(0));
   st.reset();
-  EXPECT_EQ("SQLITE_RANGE[25]: Error binding int64 param", sqlError([&] { st.bind(5, 1); }));
+  EXPECT_EQ("SQLITE_RANGE[25]: Error binding int64 param",
+            thrownText<CppSQLite3Exception>([&] { st.bind(5, 1); }));
   st.finalize();
   EXPECT_EQ("CPPSQLITE_ERROR[1000]: Null Virtual Machine pointer",
-            sqlError([&] { st.execQuery(); }));
+            thrownText<CppSQLite3Exception>([&] { st.execQuery(); }));
 }
 
 TEST_F(SqlTest, TableHoldsTheWholeResult) {
@@ -127,7 +121,8 @@ TEST_F(SqlTest, TableHoldsTheWholeResult) {
   EXPECT_EQ(3, table.numRows());
   EXPECT_EQ(2, table.numFields());
   CppSQLite3Table none;
-  EXPECT_EQ("CPPSQLITE_ERROR[1000]: Null Results pointer", sqlError([&] { none.numRows(); }));
+  EXPECT_EQ("CPPSQLITE_ERROR[1000]: Null Results pointer",
+            thrownText<CppSQLite3Exception>([&] { none.numRows(); }));
 }
 
 }  // namespace

@@ -7,8 +7,11 @@
 #include <random>
 #include <string>
 
+#include "testing/thrown_text.h"
+
 namespace {
 
+using kora_testing::thrownText;
 using lumo::math::monotonicPolyRange;
 using lumo::math::polynomialRoots;
 
@@ -16,16 +19,6 @@ const double kInf = std::numeric_limits<double>::infinity();
 
 vigra::Polynomial<double> poly(std::vector<double> c) {
   return vigra::Polynomial<double>(c.begin(), static_cast<unsigned int>(c.size() - 1));
-}
-
-template <class F>
-std::string errorOf(F f) {
-  try {
-    f();
-  } catch (const std::exception& e) {
-    return e.what();
-  }
-  return "<no exception>";
 }
 
 std::complex<double> evaluate(const std::vector<double>& c, std::complex<double> x) {
@@ -47,10 +40,10 @@ TEST(PolynomialRoots, RefusesTooFewCoefficientsAndAZeroLeadingCoefficient) {
   std::vector<std::complex<double>> roots;
   const double c[] = {1.0, 2.0, 0.0};
   EXPECT_THROW(polynomialRoots(1, c, roots), std::out_of_range);
-  EXPECT_EQ("Too few coefficients.", errorOf([&] { polynomialRoots(0, c, roots); }));
-  EXPECT_EQ("Too few coefficients.", errorOf([&] { polynomialRoots(1, c, roots); }));
+  EXPECT_EQ("Too few coefficients.", thrownText([&] { polynomialRoots(0, c, roots); }));
+  EXPECT_EQ("Too few coefficients.", thrownText([&] { polynomialRoots(1, c, roots); }));
   EXPECT_EQ("Highest-order coefficient must not be zero.",
-            errorOf([&] { polynomialRoots(3, c, roots); }));
+            thrownText([&] { polynomialRoots(3, c, roots); }));
   // A tiny leading coefficient is no zero.
   const double tiny[] = {1.0, 1e-300};
   polynomialRoots(2, tiny, roots);
@@ -112,10 +105,10 @@ TEST(MonotonicPolyRange, UnboundedWithoutRealCriticalPoints) {
 
 TEST(MonotonicPolyRange, RefusesWhatDoesNotRiseAtX0) {
   const std::string text = "Polynomial not strictly monotonously increasing at x0.";
-  EXPECT_EQ(text, errorOf([] { monotonicPolyRange(poly({7.0}), 0.0); }));
-  EXPECT_EQ(text, errorOf([] { monotonicPolyRange(poly({0.0, -3.0, 0.0, 1.0}), 0.0); }));
-  EXPECT_EQ(text, errorOf([] { monotonicPolyRange(poly({0.0, 0.0, 1.0}), 0.0); }));
-  EXPECT_EQ(text, errorOf([] { monotonicPolyRange(poly({0.0, -1.0}), 5.0); }));
+  EXPECT_EQ(text, thrownText([] { monotonicPolyRange(poly({7.0}), 0.0); }));
+  EXPECT_EQ(text, thrownText([] { monotonicPolyRange(poly({0.0, -3.0, 0.0, 1.0}), 0.0); }));
+  EXPECT_EQ(text, thrownText([] { monotonicPolyRange(poly({0.0, 0.0, 1.0}), 0.0); }));
+  EXPECT_EQ(text, thrownText([] { monotonicPolyRange(poly({0.0, -1.0}), 5.0); }));
 }
 
 TEST(MonotonicPolyRange, ExactZeroLeadingCoefficientsAreDropped) {

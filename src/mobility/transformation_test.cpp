@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "testing/thrown_text.h"
+
 namespace {
 
 using lumo::calibration::kora::createLinearVoltageRampBasedTransformator;
@@ -15,20 +17,8 @@ using lumo::calibration::kora::ILinearVoltageRampBasedTransformator;
 using lumo::calibration::kora::LinearVoltageRamp;
 using lumo::calibration::kora::rangeTransform;
 
-template <class E, class F>
-std::string errorOf(F f) {
-  try {
-    f();
-  } catch (const E& e) {
-    return e.what();
-  } catch (...) {
-    return "<other exception>";
-  }
-  return "<no exception>";
-}
-
 std::string creationError(const std::vector<double>& coefficients) {
-  return errorOf<std::invalid_argument>([&] {
+  return kora_testing::thrownText<std::invalid_argument>([&] {
     createLinearVoltageRampBasedTransformator(LinearVoltageRamp(0, 100, 200.0, 100.0), 0.0,
                                               coefficients);
   });
@@ -66,16 +56,16 @@ TEST(RangeTransform, EmptyRangeEmptiesAndNeverCalls) {
 
 TEST(RangeTransform, Failures) {
   std::vector<double> out{1.0, 2.0};
-  EXPECT_EQ("end must be >= begin.", errorOf<std::invalid_argument>([&] {
+  EXPECT_EQ("end must be >= begin.", kora_testing::thrownText<std::invalid_argument>([&] {
               rangeTransform(out, 4, 3, [](double s) { return s; });
             }));
   EXPECT_EQ((std::vector<double>{1.0, 2.0}), out);
-  EXPECT_EQ("call to empty boost::function", errorOf<boost::bad_function_call>([&] {
-              rangeTransform(out, 0, 3, boost::function<double(double)>());
-            }));
+  EXPECT_EQ("call to empty boost::function",
+            kora_testing::thrownText<boost::bad_function_call>(
+                [&] { rangeTransform(out, 0, 3, boost::function<double(double)>()); }));
   EXPECT_EQ(3u, out.size());
   // A throwing function leaves the earlier elements written.
-  EXPECT_EQ("stop", errorOf<std::runtime_error>([&] {
+  EXPECT_EQ("stop", kora_testing::thrownText<std::runtime_error>([&] {
               rangeTransform(out, 0, 3, [](double s) {
                 if (s == 1.0) throw std::runtime_error("stop");
                 return 5.0;
@@ -168,8 +158,8 @@ TEST(LinearVoltageRampBasedTransformator, TablesMatchTheScalarForms) {
   EXPECT_DOUBLE_EQ(1.02, k0[0]);
   EXPECT_DOUBLE_EQ(1.01, k0[1]);
   EXPECT_DOUBLE_EQ(1.0, k0[2]);
-  EXPECT_EQ("end must be >= begin.",
-            errorOf<std::invalid_argument>([&] { t->scanNumToVoltage(volts, 1, 0); }));
+  EXPECT_EQ("end must be >= begin.", kora_testing::thrownText<std::invalid_argument>(
+                                         [&] { t->scanNumToVoltage(volts, 1, 0); }));
 }
 
 TEST(LinearVoltageRampBasedTransformator, Accessors) {
@@ -197,9 +187,9 @@ TEST(LinearVoltageRampBasedTransformator, InvalidCoefficients) {
   EXPECT_EQ("c1, vmin and vmax must be strictly positive.", creationError({0.0, 1.0, 5.0, -2.0}));
   EXPECT_EQ("vmax must be larger than vmin.", creationError({0.0, 100.0, 200.0, 200.0}));
   EXPECT_EQ("vmax is too large.", creationError({-1.0, 100.0, 50.0, 100.0}));
-  EXPECT_EQ("<no exception>", creationError({-1.0, 100.0, 50.0, 99.0}));
-  EXPECT_EQ("<no exception>", creationError({0.0, 100.0, 50.0, 1e300}));
-  EXPECT_EQ("<no exception>", creationError({5.0, 100.0, 50.0, 1e12}));
+  EXPECT_EQ("<nothing thrown>", creationError({-1.0, 100.0, 50.0, 99.0}));
+  EXPECT_EQ("<nothing thrown>", creationError({0.0, 100.0, 50.0, 1e300}));
+  EXPECT_EQ("<nothing thrown>", creationError({5.0, 100.0, 50.0, 1e12}));
   // Huge c0 drives the slopes to zero.
   EXPECT_EQ("Slopes at vmin and vmax must be strictly positive.",
             creationError({1e200, 1.0, 50.0, 200.0}));
@@ -207,7 +197,7 @@ TEST(LinearVoltageRampBasedTransformator, InvalidCoefficients) {
 
 TEST(LinearVoltageRampBasedTransformator, FailedSetCoefficientsChangesNothing) {
   auto t = proportional(LinearVoltageRamp(0, 100, 200.0, 100.0), 0.0);
-  EXPECT_EQ("vmax is too large.", errorOf<std::invalid_argument>([&] {
+  EXPECT_EQ("vmax is too large.", kora_testing::thrownText<std::invalid_argument>([&] {
               t->setCoefficients({-1.0, 100.0, 50.0, 150.0});
             }));
   EXPECT_EQ((std::vector<double>{0.0, 100.0, 50.0, 200.0}), t->getCoefficients());

@@ -12,6 +12,7 @@
 #include "reader/oxa_reader.h"
 #include "reader/oxa_reader_decoding.h"
 #include "testing/temp_dir.h"
+#include "testing/thrown_text.h"
 #include "tools/analysis_writer.h"
 #include "tools/frame_encoding.h"
 
@@ -61,16 +62,6 @@ class ReadPath : public ::testing::Test {
       return e.what();
     }
     return "<read>";
-  }
-
-  template <class F>
-  static std::string errorOf(F f) {
-    try {
-      f();
-    } catch (const std::exception& e) {
-      return e.what();
-    }
-    return "<no error>";
   }
 
   // Overwrites analysis.oxa_bin with zeros in place, under the open reader.
@@ -235,9 +226,12 @@ TEST_F(ScanCache, HintsAlwaysRead) {
   // The header stays loaded; the scans come from the file again.
   EXPECT_EQ("CorruptScanDataError for FrameId=1, Scan=1: Corrupt LZF input stream.",
             error(1, 1, 3));
-  EXPECT_EQ("<no error>", errorOf([&] { r.hintWillReadScanRange(1, 3, 3); }));
-  EXPECT_EQ("Scan number out of range.", errorOf([&] { r.hintWillReadScanRange(1, 4, 6); }));
-  EXPECT_EQ("scan_end must be >= scan_begin.", errorOf([&] { r.hintWillReadScanRange(1, 3, 2); }));
+  EXPECT_EQ("<nothing thrown>",
+            kora_testing::thrownText([&] { r.hintWillReadScanRange(1, 3, 3); }));
+  EXPECT_EQ("Scan number out of range.",
+            kora_testing::thrownText([&] { r.hintWillReadScanRange(1, 4, 6); }));
+  EXPECT_EQ("scan_end must be >= scan_begin.",
+            kora_testing::thrownText([&] { r.hintWillReadScanRange(1, 3, 2); }));
 }
 
 TEST_F(ScanCache, SingleScanReadsAreLimitedButHintedRunsAreNot) {
@@ -249,7 +243,7 @@ TEST_F(ScanCache, SingleScanReadsAreLimitedButHintedRunsAreNot) {
   OxaReader& r = open(1);
   EXPECT_EQ(Bytes(65536, 7), blob(r.getScanBlob(1, 0)));
   EXPECT_EQ("CorruptScanDataError for FrameId=1, Scan=1: Compressed scan size too large.",
-            errorOf([&] { r.getScanBlob(1, 1); }));
+            kora_testing::thrownText([&] { r.getScanBlob(1, 1); }));
   r.hintWillReadScanRange(1, 1, 2);
   EXPECT_EQ(Bytes(65537, 7), blob(r.getScanBlob(1, 1)));
   EXPECT_EQ(Bytes{}, blob(r.getScanBlob(1, 2)));
@@ -260,14 +254,16 @@ TEST_F(ScanCache, EachFormRefusesTheOtherFormsAccess) {
   OxaReader& r = open(1);
   unsigned int first, last;
   EXPECT_EQ("Unexpected call to getDecompressedScanData for analysis with scan compression",
-            errorOf([&] { r.getDecompressedScanData(1, 0, first, last); }));
+            kora_testing::thrownText([&] { r.getDecompressedScanData(1, 0, first, last); }));
   spec(2);
   OxaReader& z = open(2);
   EXPECT_EQ("Unexpected call to getScanBlob for analysis with frame compression",
-            errorOf([&] { z.getScanBlob(1, 0); }));
+            kora_testing::thrownText([&] { z.getScanBlob(1, 0); }));
   // The hint does nothing here, not even look at the frame.
-  EXPECT_EQ("<no error>", errorOf([&] { z.hintWillReadScanRange(77, 5, 9); }));
-  EXPECT_EQ("scan_end must be >= scan_begin.", errorOf([&] { z.hintWillReadScanRange(1, 9, 5); }));
+  EXPECT_EQ("<nothing thrown>",
+            kora_testing::thrownText([&] { z.hintWillReadScanRange(77, 5, 9); }));
+  EXPECT_EQ("scan_end must be >= scan_begin.",
+            kora_testing::thrownText([&] { z.hintWillReadScanRange(1, 9, 5); }));
 }
 
 // --- Per-frame Zstandard frames ---

@@ -8,6 +8,7 @@
 #include "calibration_core/constants/calibration_constants_functional_tof.h"
 #include "calibration_core/constants/calibration_constants_physical.h"
 #include "calibration_core/constants/measurement_mode_info.h"
+#include "testing/thrown_text.h"
 
 namespace lumo {
 namespace calibration {
@@ -22,15 +23,7 @@ using Constants::CalibrationConstantsPhysicalHalyard;
 using Constants::CalibrationConstantsPhysicalTOF;
 using Transformation::MeasurementModeInfo;
 
-template <class E, class F>
-std::string thrownText(F f) {
-  try {
-    f();
-  } catch (const E& e) {
-    return e.what();
-  }
-  return "<nothing thrown>";
-}
+using kora_testing::thrownText;
 
 TEST(FunctionalConstantsTOF1, DefaultsAndSlopeTerm) {
   CalibrationConstantsFunctionalTOF1 c(0.25, 1000.0, 0.0);

@@ -11,6 +11,7 @@
 #include "calibration_core/tof/calibration_transformator_tof.h"
 #include "calibration_core/tof2/calibration_transformator_tof2.h"
 #include "calibration_core/tof2/calibration_transformator_tof2_cubic.h"
+#include "testing/thrown_text.h"
 
 namespace lumo {
 namespace calibration {
@@ -37,18 +38,7 @@ boost::shared_ptr<Model> model(const ICalibrationConstantsFunctionalPtr& functio
   return boost::make_shared<Model>(functional, physical, indexOffset);
 }
 
-// The what() of the E that f throws, or a marker text.
-template <class E, class F>
-std::string thrownText(F f) {
-  try {
-    f();
-  } catch (const E& e) {
-    return e.what();
-  } catch (...) {
-    return "<other exception>";
-  }
-  return "<nothing thrown>";
-}
+using kora_testing::thrownText;
 
 }  // namespace testing
 }  // namespace calibration
