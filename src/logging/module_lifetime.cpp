@@ -62,12 +62,13 @@ void* ModulePin::aquire_handle() {
   return handle;
 }
 
-void ModulePin::release_handle(void* handle) noexcept {
-  if (handle == nullptr) return;
-  if (dlclose(handle) != 0) {
-    LUMO_REPORT_DIAGNOSTIC(2, "Could not release current module handle\n");
-  }
-}
+// The reference is kept, not given back with dlclose. Pins are released only
+// when the process-wide logger table is torn down at exit, and that runs in
+// the destructors of the pinned module itself: dlclose there could drop the
+// last reference and unmap the code that is running (seen with objects that
+// have no STB_GNU_UNIQUE symbols, e.g. built by Clang). The module stays
+// loaded until the process ends, which is what the pin promises.
+void ModulePin::release_handle(void* handle) noexcept { (void)handle; }
 
 }  // namespace logging
 }  // namespace lumo
