@@ -28,7 +28,7 @@ class ModulePin : boost::noncopyable {
 
  private:
   static void* aquire_handle();
-  // A failure is reported and otherwise ignored.
+  // Keeps the reference until the process ends (see the definition).
   static void release_handle(void* handle) noexcept;
 
   void* handle_;
