@@ -121,7 +121,8 @@ Instance* toInstance(uint64_t handle) {
 void saveError(const std::exception& e) {
   const std::string text = boost::diagnostic_information(e, true);
   if (!text.empty()) {
-    LogStream ls(Logger::getLogger(kLoggerName), Level::DEBUG);
+    const Logger logger = Logger::getLogger(kLoggerName);  // outlives the statement
+    LogStream ls(logger, Level::DEBUG);
     if (ls.enabled())
       ls.stream() << "Caught std::exception with boost::diagnostic_information = \n" << text;
   }

@@ -24,6 +24,7 @@ namespace logging {
 
 class LogStream : boost::noncopyable {
  public:
+  // REQUIRES: `logger` outlives the statement (it is held by address).
   LogStream(const Logger& logger, Level::type level);
   ~LogStream();
 
