@@ -59,6 +59,39 @@ class RILinear {
   double indexOffset;
 };
 
+// RI with every index clamped by Checker, which provides
+//   double limit(double dindex) const
+//   void   UpdatePhysicalConstants(const ICalibrationConstantsPhysicalPtr&)
+// The limit applies to the incoming index of IndexToRaw and DIndexToRaw, to
+// the result of RawToDIndex, and in RawToIndex to the position before it is
+// rounded. RI's update runs first, then Checker's; a failure of either
+// leaves the caller to discard the half-updated copy (the Transformator
+// updates a copy and swaps it in).
+template <class RI, class Checker>
+class IndexCheck {
+ public:
+  double IndexToRaw(std::int32_t index) const {
+    return ri.DIndexToRaw(checker.limit(static_cast<double>(index)));
+  }
+  double DIndexToRaw(double dindex) const { return ri.DIndexToRaw(checker.limit(dindex)); }
+  double RawToDIndex(double raw) const { return checker.limit(ri.RawToDIndex(raw)); }
+  // REQUIRES: raw is not NaN.
+  std::int32_t RawToIndex(double raw) const {
+    return static_cast<std::int32_t>(checker.limit(ri.RawToDIndex(raw)) + 0.5);
+  }
+
+  void UpdatePhysicalConstants(const ICalibrationConstantsPhysicalPtr& constants) {
+    ri.UpdatePhysicalConstants(constants);
+    checker.UpdatePhysicalConstants(constants);
+  }
+
+  double GetIndexOffset() const { return ri.GetIndexOffset(); }
+  void SetIndexOffset(double offset) { ri.SetIndexOffset(offset); }
+
+  RI ri;
+  Checker checker;
+};
+
 }  // namespace Transformation
 }  // namespace calibration
 }  // namespace lumo

@@ -8,9 +8,9 @@
 //
 // Here: the tags SquareRoot and NoSquareRoot (is the polynomial's variable
 // the square root of the mass, or the mass itself), RMLinear<Tag>,
-// RMQuadratic<SquareRoot>, and the adaptors RMShift and RMInverse. The
-// cubic policy lives with the TOF2 cubic model; further specialisations live
-// with the models that use them.
+// RMQuadratic<Tag>, and the adaptors RMShift, RMInverse and RMReciprocal.
+// The cubic policy lives with the TOF2 cubic model, the tilted quadratic one
+// with the FTMS models.
 #ifndef KORA_CALIBRATION_CORE_TRANSFORMATION_RAW_MASS_POLICIES_H_
 #define KORA_CALIBRATION_CORE_TRANSFORMATION_RAW_MASS_POLICIES_H_
 
@@ -134,6 +134,51 @@ class RMQuadratic<SquareRoot> {
   double D0;  // a1 itself, not b * b
 };
 
+// y = ((x * x) * c2 + c1 * x) + c0 in the variable itself. RawToMass solves
+// for x by the numerically stable root; below c0 it solves the parabola with
+// c2 negated, so the solved direction is odd around (c0, 0) while
+// MassToRaw stays the plain parabola. With c2 = 0 it is (y - c0) / c1.
+// Throws std::logic_error (kComplexSolutionText) where the discriminant is
+// negative, i.e. for c2 < 0 far enough from c0 on either side.
+template <>
+class RMQuadratic<NoSquareRoot> {
+ public:
+  RMQuadratic() : c0(0.0), c1(1.0), c2(0.0), a1FromStoredC1(0.0), sign(1.0), b(1.0), D0(1.0) {}
+
+  double MassToRaw(double mass) const { return ((mass * mass) * c2 + c1 * mass) + c0; }
+  double RawToMass(double raw) const {
+    const double n = c0 - raw;
+    const double d = c0 > raw ? D0 - (raw - c0) * 4.0 * c2 : D0 - n * 4.0 * c2;
+    if (d < 0) throwComplexSolution();
+    return n / ((std::sqrt(d) * sign + b) * -0.5);
+  }
+  // Throws std::invalid_argument when `constants` is not
+  // ICalibrationConstantsFunctionalComputationQuadratic.
+  void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
+    ICalibrationConstantsFunctionalComputationQuadraticPtr quadratic =
+        boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalComputationQuadratic>(constants);
+    if (!quadratic) {
+      throwWrongFunctionalConstants("RMQuadratic",
+                                    "ICalibrationConstantsFunctionalComputationQuadratic");
+    }
+    c0 = quadratic->GetC0();
+    c1 = quadratic->GetA1();
+    c2 = quadratic->GetC2();
+    a1FromStoredC1 = quadratic->GetA1FromStoredC1();
+    sign = c1 < 0 ? -1.0 : 1.0;
+    b = c1;
+    D0 = c1 * c1;
+  }
+
+  double c0;
+  double c1;
+  double c2;
+  double a1FromStoredC1;  // read by no conversion
+  double sign;
+  double b;
+  double D0;
+};
+
 // Adds the mass shift dm of ICalibrationConstantsFunctionalComputationShift:
 // MassToRaw(m) = P.MassToRaw(m + dm), RawToMass(t) = P.RawToMass(t) - dm.
 template <class P>
@@ -166,6 +211,21 @@ class RMInverse {
  public:
   double MassToRaw(double mass) const { return policy.RawToMass(mass); }
   double RawToMass(double raw) const { return policy.MassToRaw(raw); }
+  void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
+    policy.UpdateFunctionalConstants(constants);
+  }
+
+  P policy;
+};
+
+// The mass is the reciprocal of P's variable:
+// MassToRaw(m) = P.MassToRaw(1.0 / m), RawToMass(t) = 1.0 / P.RawToMass(t).
+// A mass or a solved variable of zero gives an infinity, not a failure.
+template <class P>
+class RMReciprocal {
+ public:
+  double MassToRaw(double mass) const { return policy.MassToRaw(1.0 / mass); }
+  double RawToMass(double raw) const { return 1.0 / policy.RawToMass(raw); }
   void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
     policy.UpdateFunctionalConstants(constants);
   }
