@@ -6,6 +6,7 @@
 #include <boost/make_shared.hpp>
 #include <string>
 
+#include "calibration_core/constants/calibration_constants_functional_other.h"
 #include "calibration_core/constants/calibration_constants_functional_tof.h"
 #include "calibration_core/constants/calibration_constants_physical.h"
 #include "calibration_core/tof/calibration_transformator_tof.h"
@@ -29,6 +30,44 @@ inline ICalibrationConstantsFunctionalPtr tof1(double c0, double c1, double c2) 
 inline ICalibrationConstantsFunctionalPtr tof2(double c0, double c1, double c2, double c3,
                                                double dm) {
   return boost::make_shared<Constants::CalibrationConstantsFunctionalTOF2>(c0, c1, c2, c3, dm);
+}
+
+// m = ((t * t) * c2 + c1 * t) + c0.
+inline ICalibrationConstantsFunctionalPtr halyard(double c0, double c1, double c2) {
+  return boost::make_shared<Constants::CalibrationConstantsFunctionalHalyard>(c0, c1, c2);
+}
+
+// Raw mass t = index / measurementsPerRawMass + beginRawMass.
+inline ICalibrationConstantsPhysicalPtr rawMassAxis(double beginRawMass,
+                                                    double measurementsPerRawMass) {
+  return boost::make_shared<Constants::CalibrationConstantsPhysicalHalyard>(beginRawMass,
+                                                                            measurementsPerRawMass);
+}
+
+// m = c1 * t + c0.
+inline ICalibrationConstantsFunctionalPtr linear(double c0, double c1) {
+  return boost::make_shared<Constants::CalibrationConstantsFunctionalLinear>(c0, c1);
+}
+
+// t = a1 * index + a0.
+inline ICalibrationConstantsPhysicalPtr line(double a0, double a1) {
+  return boost::make_shared<Constants::CalibrationConstantsPhysicalLinear>(a0, a1);
+}
+
+// t = beta / m, raw mode and calibration mode 4.
+inline ICalibrationConstantsFunctionalPtr ftms04(double beta) {
+  return boost::make_shared<Constants::CalibrationConstantsFunctionalFTMS04>(beta, 0.0);
+}
+
+// t = alpha / m^2 + beta / m, raw mode and calibration mode 1.
+inline ICalibrationConstantsFunctionalPtr ftms1356(double alpha, double beta) {
+  return boost::make_shared<Constants::CalibrationConstantsFunctionalFTMS1356>(alpha, beta, 0.0);
+}
+
+// The transient of the tests: 1024 points, t = index + 1000.
+inline ICalibrationConstantsPhysicalPtr transient(int calibMode = 0, int ftmsRawMode = 0) {
+  return boost::make_shared<Constants::CalibrationConstantsPhysicalFTMS>(1000.0, 1024.0, 1024,
+                                                                         calibMode, ftmsRawMode);
 }
 
 template <class Model>

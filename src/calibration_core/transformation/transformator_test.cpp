@@ -7,9 +7,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "calibration_core/constants/calibration_constants_functional_other.h"
-#include "calibration_core/constants/calibration_constants_physical.h"
 #include "calibration_core/constants/measurement_mode_info.h"
+#include "calibration_core/linear/calibration_transformator_linear.h"
 #include "calibration_core/testing/test_models.h"
 
 namespace lumo {
@@ -22,17 +21,6 @@ using testing::model;
 using testing::thrownText;
 using testing::tof1;
 using testing::tof2;
-
-// A model that keeps the template's range functions: m = A * raw + c0.
-class PlainLinear final : public Transformator<PlainLinear, RMInverse<RMLinear<NoSquareRoot>>,
-                                               RILinear, ConstantsSettingNoAction> {
- public:
-  PlainLinear(const ICalibrationConstantsFunctionalPtr& f,
-              const ICalibrationConstantsPhysicalPtr& p, double indexOffset,
-              const IMeasurementModeInfoPtr& info)
-      : Transformator(f, p, indexOffset, info) {}
-  static const char* ClassName() { return "PlainLinear"; }
-};
 
 // Functional constants that answer no computation interface.
 class BareFunctional : public virtual ICalibrationConstantsFunctional {
@@ -243,9 +231,8 @@ TEST(TransformatorDump, Lines) {
 }
 
 TEST(TransformatorRanges, TemplateRangesAreNotImplemented) {
-  PlainLinear plain(boost::make_shared<Constants::CalibrationConstantsFunctionalLinear>(1.0, 2.0),
-                    boost::make_shared<Constants::CalibrationConstantsPhysicalLinear>(0.0, 1.0),
-                    0.0, IMeasurementModeInfoPtr());
+  // The linear model keeps the template's range functions: m = 2 t + 1.
+  CalibrationTransformatorLinear plain(testing::linear(1.0, 2.0), testing::line(0.0, 1.0));
   EXPECT_EQ(7.0, plain.RawToMass(3.0));
   EXPECT_EQ(3.0, plain.MassToRaw(7.0));
   EXPECT_EQ("monotonicMassRange() not yet implemented for this particular transformator.",

@@ -1,0 +1,55 @@
+// The ion-trap (Halyard) models: the mass is a polynomial of the raw axis,
+//   linear:     m = A * t + c0                    (A = c1)
+//   quadratic:  m = ((t * t) * c2 + c1 * t) + c0
+// so mass from raw is the cheap direction. The raw axis is the raw mass:
+// t = (index + offset) / measurementsPerRawMass + beginRawMass.
+// The quadratic model's mass-to-raw direction is odd around (c0, 0) (see
+// RMQuadratic<NoSquareRoot>) and fails for c2 < 0 far enough from c0.
+//
+// Thread-safety: as every Transformator (const operations thread-safe).
+#ifndef KORA_CALIBRATION_CORE_HALYARD_CALIBRATION_TRANSFORMATOR_HALYARD_H_
+#define KORA_CALIBRATION_CORE_HALYARD_CALIBRATION_TRANSFORMATOR_HALYARD_H_
+
+#include "calibration_core/transformation/constants_setting_policies.h"
+#include "calibration_core/transformation/raw_index_policies.h"
+#include "calibration_core/transformation/raw_mass_policies.h"
+#include "calibration_core/transformation/transformator.h"
+
+namespace lumo {
+namespace calibration {
+namespace Transformation {
+
+class CalibrationTransformatorHalyardLinear final
+    : public Transformator<CalibrationTransformatorHalyardLinear, RMInverse<RMLinear<NoSquareRoot>>,
+                           RILinear, ConstantsSettingNoAction>,
+      public TransformatorFunctionalDegree {
+ public:
+  // Throws std::invalid_argument for constants of a wrong kind.
+  CalibrationTransformatorHalyardLinear(
+      const ICalibrationConstantsFunctionalPtr& functionalConstants,
+      const ICalibrationConstantsPhysicalPtr& physicalConstants, double indexOffset = 0.0,
+      const IMeasurementModeInfoPtr& info = IMeasurementModeInfoPtr());
+
+  static const char* ClassName() { return "CalibrationTransformatorHalyardLinear"; }
+};
+
+class CalibrationTransformatorHalyardQuadratic final
+    : public Transformator<CalibrationTransformatorHalyardQuadratic,
+                           RMInverse<RMQuadratic<NoSquareRoot>>, RILinear,
+                           ConstantsSettingNoAction>,
+      public TransformatorFunctionalDegree {
+ public:
+  // Throws std::invalid_argument for constants of a wrong kind.
+  CalibrationTransformatorHalyardQuadratic(
+      const ICalibrationConstantsFunctionalPtr& functionalConstants,
+      const ICalibrationConstantsPhysicalPtr& physicalConstants, double indexOffset = 0.0,
+      const IMeasurementModeInfoPtr& info = IMeasurementModeInfoPtr());
+
+  static const char* ClassName() { return "CalibrationTransformatorHalyardQuadratic"; }
+};
+
+}  // namespace Transformation
+}  // namespace calibration
+}  // namespace lumo
+
+#endif  // KORA_CALIBRATION_CORE_HALYARD_CALIBRATION_TRANSFORMATOR_HALYARD_H_
