@@ -11,11 +11,10 @@
 #ifndef KORA_CALIBRATION_CORE_FTMS_RM_QUADRATIC_TILT_H_
 #define KORA_CALIBRATION_CORE_FTMS_RM_QUADRATIC_TILT_H_
 
-#include <boost/pointer_cast.hpp>
 #include <cmath>
 
 #include "calibration_core/constants/functional_constants.h"
-#include "calibration_core/transformation/policy_errors.h"
+#include "calibration_core/transformation/computation_cast.h"
 
 namespace lumo {
 namespace calibration {
@@ -56,12 +55,9 @@ class RMQuadraticTilt {
   // Throws std::invalid_argument when `constants` is not
   // ICalibrationConstantsFunctionalComputationQuadratic.
   void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
-    ICalibrationConstantsFunctionalComputationQuadraticPtr quadratic =
-        boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalComputationQuadratic>(constants);
-    if (!quadratic) {
-      throwWrongFunctionalConstants("RMQuadraticTilt",
-                                    "ICalibrationConstantsFunctionalComputationQuadratic");
-    }
+    const ICalibrationConstantsFunctionalComputationQuadraticPtr quadratic =
+        computationOf<ICalibrationConstantsFunctionalComputationQuadratic>(
+            constants, "RMQuadraticTilt", "ICalibrationConstantsFunctionalComputationQuadratic");
     c = quadratic->GetC0();
     b = quadratic->GetA1();
     a = quadratic->GetC2();

@@ -9,10 +9,10 @@
 #ifndef KORA_CALIBRATION_CORE_TOF2_RM_CUBIC_H_
 #define KORA_CALIBRATION_CORE_TOF2_RM_CUBIC_H_
 
-#include <boost/pointer_cast.hpp>
 #include <cmath>
 
 #include "calibration_core/constants/functional_constants.h"
+#include "calibration_core/transformation/computation_cast.h"
 #include "calibration_core/transformation/policy_errors.h"
 #include "calibration_core/transformation/raw_mass_policies.h"
 #include "calibration_core/transformation/signed_math.h"
@@ -59,11 +59,9 @@ class RMCubic<SquareRoot> {
   }
 
   void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
-    ICalibrationConstantsFunctionalComputationCubicPtr cubic =
-        boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalComputationCubic>(constants);
-    if (!cubic) {
-      throwWrongFunctionalConstants("RMCubic", "ICalibrationConstantsFunctionalComputationCubic");
-    }
+    const ICalibrationConstantsFunctionalComputationCubicPtr cubic =
+        computationOf<ICalibrationConstantsFunctionalComputationCubic>(
+            constants, "RMCubic", "ICalibrationConstantsFunctionalComputationCubic");
     k0 = cubic->GetC0();
     const double a1 = cubic->GetA1();
     k2 = cubic->GetC2();

@@ -14,11 +14,10 @@
 #ifndef KORA_CALIBRATION_CORE_TRANSFORMATION_RAW_MASS_POLICIES_H_
 #define KORA_CALIBRATION_CORE_TRANSFORMATION_RAW_MASS_POLICIES_H_
 
-#include <boost/pointer_cast.hpp>
-#include <cassert>
 #include <cmath>
 
 #include "calibration_core/constants/functional_constants.h"
+#include "calibration_core/transformation/computation_cast.h"
 #include "calibration_core/transformation/policy_errors.h"
 #include "calibration_core/transformation/signed_math.h"
 
@@ -49,11 +48,9 @@ class RMLinear<SquareRoot> {
   // Throws std::invalid_argument when `constants` is not
   // ICalibrationConstantsFunctionalComputationLinear.
   void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
-    ICalibrationConstantsFunctionalComputationLinearPtr linear =
-        boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalComputationLinear>(constants);
-    if (!linear) {
-      throwWrongFunctionalConstants("RMLinear", "ICalibrationConstantsFunctionalComputationLinear");
-    }
+    const ICalibrationConstantsFunctionalComputationLinearPtr linear =
+        computationOf<ICalibrationConstantsFunctionalComputationLinear>(
+            constants, "RMLinear", "ICalibrationConstantsFunctionalComputationLinear");
     c0 = linear->GetC0();
     a1 = linear->GetA1();
   }
@@ -71,11 +68,9 @@ class RMLinear<NoSquareRoot> {
   double MassToRaw(double mass) const { return A * mass + c0; }
   double RawToMass(double raw) const { return (raw - c0) / A; }
   void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
-    ICalibrationConstantsFunctionalComputationLinearPtr linear =
-        boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalComputationLinear>(constants);
-    if (!linear) {
-      throwWrongFunctionalConstants("RMLinear", "ICalibrationConstantsFunctionalComputationLinear");
-    }
+    const ICalibrationConstantsFunctionalComputationLinearPtr linear =
+        computationOf<ICalibrationConstantsFunctionalComputationLinear>(
+            constants, "RMLinear", "ICalibrationConstantsFunctionalComputationLinear");
     c0 = linear->GetC0();
     A = linear->GetA1();
   }
@@ -110,12 +105,9 @@ class RMQuadratic<SquareRoot> {
     return signedSquare(w);
   }
   void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
-    ICalibrationConstantsFunctionalComputationQuadraticPtr quadratic =
-        boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalComputationQuadratic>(constants);
-    if (!quadratic) {
-      throwWrongFunctionalConstants("RMQuadratic",
-                                    "ICalibrationConstantsFunctionalComputationQuadratic");
-    }
+    const ICalibrationConstantsFunctionalComputationQuadraticPtr quadratic =
+        computationOf<ICalibrationConstantsFunctionalComputationQuadratic>(
+            constants, "RMQuadratic", "ICalibrationConstantsFunctionalComputationQuadratic");
     c0 = quadratic->GetC0();
     a1 = quadratic->GetA1();
     c2 = quadratic->GetC2();
@@ -155,12 +147,9 @@ class RMQuadratic<NoSquareRoot> {
   // Throws std::invalid_argument when `constants` is not
   // ICalibrationConstantsFunctionalComputationQuadratic.
   void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
-    ICalibrationConstantsFunctionalComputationQuadraticPtr quadratic =
-        boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalComputationQuadratic>(constants);
-    if (!quadratic) {
-      throwWrongFunctionalConstants("RMQuadratic",
-                                    "ICalibrationConstantsFunctionalComputationQuadratic");
-    }
+    const ICalibrationConstantsFunctionalComputationQuadraticPtr quadratic =
+        computationOf<ICalibrationConstantsFunctionalComputationQuadratic>(
+            constants, "RMQuadratic", "ICalibrationConstantsFunctionalComputationQuadratic");
     c0 = quadratic->GetC0();
     c1 = quadratic->GetA1();
     c2 = quadratic->GetC2();
@@ -189,11 +178,9 @@ class RMShift {
   double MassToRaw(double mass) const { return policy.MassToRaw(mass + dm); }
   double RawToMass(double raw) const { return policy.RawToMass(raw) - dm; }
   void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
-    ICalibrationConstantsFunctionalComputationShiftPtr shift =
-        boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalComputationShift>(constants);
-    if (!shift) {
-      throwWrongFunctionalConstants("RMShift", "ICalibrationConstantsFunctionalComputationShift");
-    }
+    const ICalibrationConstantsFunctionalComputationShiftPtr shift =
+        computationOf<ICalibrationConstantsFunctionalComputationShift>(
+            constants, "RMShift", "ICalibrationConstantsFunctionalComputationShift");
     P updated = policy;
     updated.UpdateFunctionalConstants(constants);
     dm = shift->GetDm();
