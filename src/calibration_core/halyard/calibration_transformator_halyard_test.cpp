@@ -154,13 +154,6 @@ TEST(HalyardModels, ClonesAndSettersLeaveEarlierObjectsUnchanged) {
   EXPECT_EQ(10.0, copy->IndexToMass(0));
 }
 
-TEST(HalyardModels, RangesAreNotAnswered) {
-  EXPECT_EQ("monotonicMassRange() not yet implemented for this particular transformator.",
-            thrownText<std::runtime_error>([] { quadraticTrap(1, 2, 0)->monotonicMassRange(5); }));
-  EXPECT_EQ("usableMassRange() not yet implemented for this particular transformator.",
-            thrownText<std::runtime_error>([] { linearTrap(1, 2)->usableMassRange(5, 0.1); }));
-}
-
 }  // namespace
 }  // namespace Transformation
 }  // namespace calibration

@@ -5,7 +5,6 @@
 #include <boost/make_shared.hpp>
 #include <cmath>
 #include <limits>
-#include <vector>
 
 #include "calibration_core/testing/test_models.h"
 
@@ -18,10 +17,8 @@ using testing::line;
 using testing::linear;
 
 // t = 0.5 * index - 100: index 200 sits at t = 0.
-boost::shared_ptr<CalibrationTransformatorLinear> linearModel(double c0, double c1,
-                                                              double indexOffset = 0.0) {
-  return boost::make_shared<CalibrationTransformatorLinear>(linear(c0, c1), line(-100.0, 0.5),
-                                                            indexOffset);
+boost::shared_ptr<CalibrationTransformatorLinear> linearModel(double c0, double c1) {
+  return boost::make_shared<CalibrationTransformatorLinear>(linear(c0, c1), line(-100.0, 0.5));
 }
 
 TEST(LinearModel, LawAndRoundTripsOnBothSides) {
@@ -40,18 +37,6 @@ TEST(LinearModel, LawAndRoundTripsOnBothSides) {
     EXPECT_EQ(i, m->MassToIndex(m->IndexToMass(i))) << i;
     EXPECT_NEAR(i - 0.375, m->MassToDIndex(m->DIndexToMass(i - 0.375)), 1e-9 * (1 + i)) << i;
   }
-}
-
-TEST(LinearModel, IndexOffsetAndBatches) {
-  auto shifted = linearModel(3.0, 0.25, 4.0);
-  EXPECT_EQ(linearModel(3.0, 0.25)->IndexToMass(204), shifted->IndexToMass(200));
-  std::vector<double> masses;
-  shifted->IndexToMass(0, 999, masses);
-  ASSERT_EQ(1000u, masses.size());
-  for (int i = 0; i < 1000; ++i) EXPECT_EQ(shifted->IndexToMass(i), masses[i]) << i;
-  shifted->AssimilateIndexOffset();
-  EXPECT_EQ(0.0, shifted->GetIndexOffset());
-  EXPECT_EQ(masses[200], shifted->IndexToMass(200));
 }
 
 TEST(LinearModel, ZeroSlopeGivesInfinityOrNaN) {
