@@ -2,9 +2,10 @@
 // stated in the variable x (the reciprocal mass once RMReciprocal wraps it):
 //   MassToRaw(x) = (x * x) * a + (b * x + c)
 // RawToMass(t) solves the parabola for x on its rising branch
-// (b + 2 a x > 0) and, below the vertex where no real root exists,
-// continues it by the parabola point-mirrored at the vertex, so the solved
-// direction stays rising and single-valued for every t.
+// (b + 2 a x > 0) and, past the vertex where no real root exists (below it
+// for a > 0, above it for a < 0), continues it by the parabola
+// point-mirrored at the vertex, so the solved direction stays rising and
+// single-valued for every t.
 // Numbers: c and b from ICalibrationConstantsFunctionalComputationLinear
 // (GetC0, GetA1), a from ICalibrationConstantsFunctionalComputationQuadratic
 // (GetC2). A conversion reads only these copies and allocates nothing.
