@@ -10,7 +10,7 @@
 #include <stdexcept>
 
 #include "logging/logger.h"
-#include "mobility/linearly_continued_function.h"
+#include "math/linearly_continued_function.h"
 #include "sys/throw.h"
 
 namespace lumo {

@@ -12,9 +12,9 @@
 #include <vigra/polynomial.hxx>
 
 #include "calibration_core/tof2/calibration_transformator_tof2.h"
-#include "calibration_core/utilities/find_zero_in_range.h"
 #include "calibration_core/utilities/monotonic_range.h"
 #include "logging/log_stream.h"
+#include "math/find_zero_in_range.h"
 #include "sys/throw.h"
 
 namespace lumo {
@@ -160,7 +160,7 @@ std::pair<double, double> CalibrationTransformatorTOF2Cubic::usableMassRange(
   }
   if (a != b && maxRoundTripError != 0.0) {
     const ICalibrationTransformator& self = *this;
-    b = findZeroInRange(
+    b = math::findZeroInRange(
         a, b,
         [&self, maxRoundTripError](double m) {
           return std::fabs(self.RawToMass(self.MassToRaw(m)) - m) - maxRoundTripError;

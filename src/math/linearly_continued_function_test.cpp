@@ -1,4 +1,4 @@
-#include "mobility/linearly_continued_function.h"
+#include "math/linearly_continued_function.h"
 
 #include <gtest/gtest.h>
 

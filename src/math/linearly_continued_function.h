@@ -13,8 +13,8 @@
 //
 // Thread-safety: immutable after construction; safe for concurrent reads if
 // F's operations are.
-#ifndef KORA_MOBILITY_LINEARLY_CONTINUED_FUNCTION_H_
-#define KORA_MOBILITY_LINEARLY_CONTINUED_FUNCTION_H_
+#ifndef KORA_MATH_LINEARLY_CONTINUED_FUNCTION_H_
+#define KORA_MATH_LINEARLY_CONTINUED_FUNCTION_H_
 
 #include <stdexcept>
 #include <type_traits>
@@ -93,4 +93,4 @@ class LinearlyContinuedFunction {
 }  // namespace math
 }  // namespace lumo
 
-#endif  // KORA_MOBILITY_LINEARLY_CONTINUED_FUNCTION_H_
+#endif  // KORA_MATH_LINEARLY_CONTINUED_FUNCTION_H_

@@ -1,11 +1,11 @@
-#include "calibration_core/utilities/find_zero_in_range.h"
+#include "math/find_zero_in_range.h"
 
 #include <stdexcept>
 
 #include "sys/throw.h"
 
 namespace lumo {
-namespace calibration {
+namespace math {
 namespace detail {
 
 void throwNegativeTolerance() { LUMO_THROW(std::runtime_error("findZeroInRange(): tol < 0.")); }
@@ -13,5 +13,5 @@ void throwNegativeTolerance() { LUMO_THROW(std::runtime_error("findZeroInRange()
 void throwEmptyInterval() { LUMO_THROW(std::runtime_error("findZeroInRange(): b <= a.")); }
 
 }  // namespace detail
-}  // namespace calibration
+}  // namespace math
 }  // namespace lumo

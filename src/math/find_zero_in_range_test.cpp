@@ -1,17 +1,17 @@
-#include "calibration_core/utilities/find_zero_in_range.h"
+#include "math/find_zero_in_range.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <stdexcept>
 
-#include "calibration_core/testing/test_models.h"
+#include "testing/thrown_text.h"
 
 namespace lumo {
-namespace calibration {
+namespace math {
 namespace {
 
-using testing::thrownText;
+using kora_testing::thrownText;
 
 TEST(FindZeroInRange, Converges) {
   int iterations = -1;
@@ -45,5 +45,5 @@ TEST(FindZeroInRange, BadArguments) {
 }
 
 }  // namespace
-}  // namespace calibration
+}  // namespace math
 }  // namespace lumo

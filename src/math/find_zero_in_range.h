@@ -1,12 +1,12 @@
 // findZeroInRange: a zero of a function on an interval by Brent's method
 // (bisection, secant and inverse quadratic interpolation).
-#ifndef KORA_CALIBRATION_CORE_UTILITIES_FIND_ZERO_IN_RANGE_H_
-#define KORA_CALIBRATION_CORE_UTILITIES_FIND_ZERO_IN_RANGE_H_
+#ifndef KORA_MATH_FIND_ZERO_IN_RANGE_H_
+#define KORA_MATH_FIND_ZERO_IN_RANGE_H_
 
 #include <cmath>
 
 namespace lumo {
-namespace calibration {
+namespace math {
 
 namespace detail {
 [[noreturn]] void throwNegativeTolerance();
@@ -86,7 +86,7 @@ double findZeroInRange(double a, double b, Function function, double tol, int ma
   return b;
 }
 
-}  // namespace calibration
+}  // namespace math
 }  // namespace lumo
 
-#endif  // KORA_CALIBRATION_CORE_UTILITIES_FIND_ZERO_IN_RANGE_H_
+#endif  // KORA_MATH_FIND_ZERO_IN_RANGE_H_
