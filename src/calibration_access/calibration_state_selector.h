@@ -24,12 +24,7 @@ class CalibrationStateSelector {
         allowIncomplete_(allowIncomplete) {}
 
   // What the analysis holds; needed for the completeness test.
-  void setAnalysisInfo(int64_t frameCount, bool hasPositive, bool hasNegative, bool hasMobility) {
-    frameCount_ = frameCount;
-    hasPositiveFrames_ = hasPositive;
-    hasNegativeFrames_ = hasNegative;
-    hasMobility_ = hasMobility;
-  }
+  void setAnalysisInfo(int64_t frameCount, bool hasPositive, bool hasNegative, bool hasMobility);
 
   // True when neither a key nor allowIncomplete is set: the one case in which
   // the analysis info must be given before a state is chosen.

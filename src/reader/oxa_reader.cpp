@@ -2,7 +2,7 @@
 
 #include <boost/format.hpp>
 
-#include "calibration_access/cppsqlite_tools.h"
+#include "sql/cppsqlite_tools.h"
 #include "reader/corrupt_data_error.h"
 #include "reader/oxa_reader_impl.h"
 #include "sys/throw.h"

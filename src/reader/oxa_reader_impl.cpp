@@ -4,8 +4,8 @@
 #include <boost/format.hpp>
 #include <boost/lexical_cast.hpp>
 
-#include "calibration_access/cppsqlite3.h"
-#include "calibration_access/cppsqlite_tools.h"
+#include "sql/cppsqlite3.h"
+#include "sql/cppsqlite_tools.h"
 #include "reader/corrupt_data_error.h"
 #include "reader/oxa_frame_reader.h"
 #include "reader/oxa_reader_cache.h"

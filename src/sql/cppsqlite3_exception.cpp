@@ -1,6 +1,6 @@
 #include <sqlite3.h>
 
-#include "calibration_access/cppsqlite3.h"
+#include "sql/cppsqlite3.h"
 
 namespace {
 std::string formatMessage(int errorCode, const char* message) {

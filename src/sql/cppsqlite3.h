@@ -6,8 +6,8 @@
 //
 // Thread-safety: thread-compatible. A connection and everything made from it
 // belong to one thread at a time.
-#ifndef KORA_CALIBRATION_ACCESS_CPPSQLITE3_H_
-#define KORA_CALIBRATION_ACCESS_CPPSQLITE3_H_
+#ifndef KORA_SQL_CPPSQLITE3_H_
+#define KORA_SQL_CPPSQLITE3_H_
 
 #include <cstdint>
 #include <stdexcept>
@@ -157,4 +157,4 @@ class CppSQLite3DB {
   int busyTimeoutMs_;
 };
 
-#endif  // KORA_CALIBRATION_ACCESS_CPPSQLITE3_H_
+#endif  // KORA_SQL_CPPSQLITE3_H_

@@ -1,4 +1,4 @@
-#include "calibration_access/cppsqlite3.h"
+#include "sql/cppsqlite3.h"
 
 #include <gtest/gtest.h>
 

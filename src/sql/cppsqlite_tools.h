@@ -1,10 +1,10 @@
 // Checked single-value queries.
-#ifndef KORA_CALIBRATION_ACCESS_CPPSQLITE_TOOLS_H_
-#define KORA_CALIBRATION_ACCESS_CPPSQLITE_TOOLS_H_
+#ifndef KORA_SQL_CPPSQLITE_TOOLS_H_
+#define KORA_SQL_CPPSQLITE_TOOLS_H_
 
 #include <string>
 
-#include "calibration_access/cppsqlite3.h"
+#include "sql/cppsqlite3.h"
 
 namespace lumo {
 namespace cppsqlite {
@@ -25,4 +25,4 @@ T simpleCheckedQuery(CppSQLite3DB& db, const std::string& sql);
 }  // namespace cppsqlite
 }  // namespace lumo
 
-#endif  // KORA_CALIBRATION_ACCESS_CPPSQLITE_TOOLS_H_
+#endif  // KORA_SQL_CPPSQLITE_TOOLS_H_

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "calibration_access/cppsqlite3.h"
+#include "sql/cppsqlite3.h"
 #include "sys/throw.h"
 
 CppSQLite3Table::CppSQLite3Table() : cols_(0), rows_(0), currentRow_(0), results_(nullptr) {}

@@ -1,6 +1,6 @@
 #include <sqlite3.h>
 
-#include "calibration_access/cppsqlite3.h"
+#include "sql/cppsqlite3.h"
 #include "sys/throw.h"
 
 CppSQLite3DB::CppSQLite3DB() : db_(nullptr), busyTimeoutMs_(60000) {}

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "calibration_access/cppsqlite3.h"
+#include "sql/cppsqlite3.h"
 #include "sys/throw.h"
 
 CppSQLite3Statement::CppSQLite3Statement() : db_(nullptr), vm_(nullptr) {}

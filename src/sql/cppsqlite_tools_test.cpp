@@ -1,4 +1,4 @@
-#include "calibration_access/cppsqlite_tools.h"
+#include "sql/cppsqlite_tools.h"
 
 #include <gtest/gtest.h>
 
