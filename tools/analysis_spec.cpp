@@ -5,15 +5,11 @@
 namespace lumo {
 namespace writer {
 
-namespace {
-
 void addCoefficientColumns(Table& t, unsigned int coefficients) {
   for (unsigned int i = 0; i < coefficients; ++i) {
     t.columns.push_back({"C" + std::to_string(i), ""});
   }
 }
-
-}  // namespace
 
 Table mzCalibrationTable(unsigned int coefficients) {
   Table t;

@@ -126,6 +126,9 @@ struct Table {
   std::vector<std::vector<SqlValue>> rows;
 };
 
+// Appends the untyped columns C0 .. C<coefficients - 1> to `t`.
+void addCoefficientColumns(Table& t, unsigned int coefficients);
+
 // Table MzCalibration: Id, ModelType, DigitizerTimebase, DigitizerDelay, T1,
 // T2, dC1, dC2, then C0 .. C<coefficients - 1>; no rows.
 Table mzCalibrationTable(unsigned int coefficients = 12);

@@ -10,6 +10,7 @@
 #include <iterator>
 
 #include "tools/calibration_rows.h"
+#include "tools/calibration_store.h"
 #include "tools/data_generator.h"
 #include "tools/frame_encoding.h"
 
@@ -243,6 +244,8 @@ TEST(ZstdBlockWriter, DamageKnobs) {
 TEST(CalibrationRows, CellsInColumnOrder) {
   TempDir dir;
   AnalysisSpec spec = AnalysisSpec::make(3, 2);
+  spec.addFrame(std::vector<Scan>{});
+  spec.addFrame(std::vector<Scan>{});
   MzCalibrationHead head;
   head.dC2 = 1e-9;
   spec.mzCalibration.rows.push_back(mzTofRow(1, head, {1, 2, 3, 4, 5}));
@@ -257,11 +260,28 @@ TEST(CalibrationRows, CellsInColumnOrder) {
                   "NULL|NULL|NULL",
                   "2|2|0.25|20000.0|25.0|25.0|0.0|0.0|1.0|2.0|3.0|4.0|5.0|6.0|7.0|2|integer|8.5|"
                   "9.5|NULL",
-                  "1|1|0.25|20000.0|25.0|25.0|0.0|0.0|20000.0|170000.0|0.0|0.0|0.0|NULL|NULL|NULL|"
+                  "1|1|0.25|20000.0|25.0|24.0|12.0|-4.0|10000.0|377.0|0.5|0.0|0.0|NULL|NULL|NULL|"
                   "null|NULL|NULL|NULL"}));
   EXPECT_EQ(
       query(dir.path() / "analysis.oxa", "SELECT *, typeof(C0), typeof(C5) FROM KoraCalibration"),
-      (Rows{"1|2|0|400|200.0|60.0|0.0|1|0.0|125.0|50.0|210.0|integer|integer"}));
+      (Rows{"1|2|0|400|200.0|60.0|0.0|1|0.001|120.0|50.0|210.0|integer|integer"}));
+  // The sample's frames are measured away from the reference temperatures.
+  EXPECT_EQ(query(dir.path() / "analysis.oxa",
+                  "SELECT Id, Polarity, T1, T2, MzCalibration, KoraCalibration FROM Frames"),
+            (Rows{"1|+|25.25|23.9|1|1", "2|+|25.5|23.8|1|1"}));
+}
+
+TEST(CalibrationRows, IonTrapAndFtmsModelsKeepTheirIntegerCells) {
+  EXPECT_EQ(halyardModel(1, 2, 3, 4, 5).modelType, 3);
+  EXPECT_EQ(halyardModel(1, 2, 3, 4, 5).coefficients, (Row{1.0, 2.0, 3.0, 4.0, 5.0}));
+  const MzModel ftms04 = ftms04Model(4, 1.5, 2.5, 3.5, 4.5, 1024);
+  EXPECT_EQ(ftms04.modelType, 4);
+  EXPECT_EQ(ftms04.coefficients, (Row{4, 1.5, 2.5, 3.5, 4.5, 1024}));
+  const MzModel ftms1356 = ftms1356Model(3, 0.5, 1.5, 2.5, 3.5, 4.5, 2048);
+  EXPECT_EQ(ftms1356.modelType, 5);
+  EXPECT_EQ(ftms1356.coefficients, (Row{3, 0.5, 1.5, 2.5, 3.5, 4.5, 2048}));
+  EXPECT_EQ(tofZrkModel({1, 2, 3}, {4, 5, 6, 7}, {}).coefficients,
+            (Row{1.0, 2.0, 3.0, 4.0, 5.0, 6.0, 7.0, 0}));
 }
 
 TEST(AnalysisWriter, RewritingADirectoryReplacesBothFilesByteForByte) {
@@ -298,6 +318,77 @@ TEST(AnalysisWriter, CalibrationStoreHoldsExactlyTheGivenTables) {
   spec.calibrationStore.reset();
   writeAnalysis(spec, dir.path());
   EXPECT_FALSE(fs::exists(file));
+}
+
+TEST(CalibrationStore, StatesWithReferencesFrameCalibratorsMappingsAndDigitizerConstants) {
+  TempDir dir;
+  CalibrationStoreSpec store = CalibrationStoreSpec::make();
+  ReferenceTemperatures reference;
+  reference.dC1 = 2.0;
+  store.addState("key-a", "lab")
+      .addReference(false, 7, reference, tofModel({1, 2, 3, 0, 0}))
+      .addMobilityCalibration(3, MobilityRamp(), frameIds(2));
+  CalibrationStateSpec& b = store.addState("key-b", "recal");
+  b.addFrameCalibration(11, tofZrkModel({1, 2, 3}, {4, 5, 6, 7}, {0.5}), {1})
+      .addFrameCalibration(12, ftms04Model(4, 1, 2, 3, 4, 5), {2});
+  b.referenceCalibrations.push_back(halyardReferenceRow(8, 1, 2, 3, 4, 5));
+  b.negativeReferenceCalibratorId = 8;
+  b.digitizer.reset();
+  AnalysisSpec spec = AnalysisSpec::make(3, 2);
+  spec.calibrationStore = store.tables();
+  writeAnalysis(spec, dir.path());
+
+  const fs::path file = dir.path() / "calibration.sqlite";
+  EXPECT_EQ(
+      query(file, "SELECT Key, Value FROM GlobalMetadata ORDER BY rowid"),
+      (Rows{"SchemaType|CALIBRATION_SQLITE", "SchemaVersionMajor|1", "SchemaVersionMinor|0"}));
+  EXPECT_EQ(query(file, "SELECT * FROM CalibrationState"),
+            (Rows{"1|key-a|lab|0|7|NULL", "2|key-b|recal|1|NULL|8"}));
+  EXPECT_EQ(query(file, "SELECT name FROM pragma_table_info('RefMzCalibration')"),
+            (Rows{"Id", "ModelType", "CalibrationState", "T1", "T2", "dC1", "dC2", "C0", "C1", "C2",
+                  "C3", "C4"}));
+  EXPECT_EQ(query(file, "SELECT * FROM RefMzCalibration"),
+            (Rows{"7|1|1|25.0|25.0|2.0|0.0|1.0|2.0|3.0|0.0|0.0",
+                  "8|3|2|1.0|2.0|3.0|4.0|5.0|NULL|NULL|NULL|NULL"}));
+  // The correction's row is the longest and decides the coefficient columns.
+  EXPECT_EQ(query(file, "SELECT COUNT(*) FROM pragma_table_info('FrameMzCalibration')"),
+            Rows{"12"});
+  EXPECT_EQ(query(file,
+                  "SELECT Id, ModelType, CalibrationState, C7, typeof(C7), C8 FROM "
+                  "FrameMzCalibration"),
+            (Rows{"11|2|2|1|integer|0.5", "12|4|2|NULL|null|NULL"}));
+  EXPECT_EQ(query(file, "SELECT * FROM FrameMzCalibrationMapping"), (Rows{"2|1|11", "2|2|12"}));
+  EXPECT_EQ(query(file, "SELECT * FROM KoraCalibration"),
+            (Rows{"3|2|1|0|918|200.0|60.0|0.0|1|0.0|125.0|50.0|210.0"}));
+  EXPECT_EQ(query(file, "SELECT * FROM KoraCalibrationMapping"), (Rows{"1|1|3", "1|2|3"}));
+  EXPECT_EQ(query(file, "SELECT * FROM DigitizerConstants"), Rows{"1|0.25|20000.0"});
+}
+
+TEST(CalibrationStore, BrokenStoresLackTablesOrCarryWrongMetadataAndNullCells) {
+  TempDir dir;
+  CalibrationStoreSpec store = CalibrationStoreSpec::make();
+  store.metadata.set("SchemaType", "OTHER");
+  store.metadata.set("SchemaVersionMajor", "2");
+  CalibrationStateSpec& state = store.addState("k", "s");
+  state.addReference(true, 1, ReferenceTemperatures(), tofModel({1, 2, 3, 4, 5}));
+  state.referenceCalibrations[0][2] = SqlValue();
+  state.source = SqlValue();
+  state.digitizer->second = SqlValue();
+  store.omitTables = {"KoraCalibrationMapping", "FrameMzCalibration"};
+  AnalysisSpec spec = AnalysisSpec::make(3, 2);
+  spec.calibrationStore = store.tables();
+  writeAnalysis(spec, dir.path());
+
+  const fs::path file = dir.path() / "calibration.sqlite";
+  EXPECT_EQ(query(file, "SELECT name FROM sqlite_master WHERE type='table' ORDER BY name"),
+            (Rows{"CalibrationState", "DigitizerConstants", "FrameMzCalibrationMapping",
+                  "GlobalMetadata", "KoraCalibration", "RefMzCalibration"}));
+  EXPECT_EQ(query(file, "SELECT Value FROM GlobalMetadata ORDER BY rowid"),
+            (Rows{"OTHER", "2", "0"}));
+  EXPECT_EQ(query(file, "SELECT * FROM CalibrationState"), Rows{"1|k|NULL|0|NULL|1"});
+  EXPECT_EQ(query(file, "SELECT Id, T1, typeof(T1), T2 FROM RefMzCalibration"),
+            Rows{"1|NULL|null|25.0"});
+  EXPECT_EQ(query(file, "SELECT * FROM DigitizerConstants"), Rows{"1|0.25|NULL"});
 }
 
 }  // namespace

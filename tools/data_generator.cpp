@@ -129,11 +129,35 @@ AnalysisSpec generateAnalysis(const GeneratorOptions& options, int schema_major,
 }
 
 void addSampleCalibration(AnalysisSpec& spec, uint32_t ramp_scans) {
-  spec.mzCalibration.rows.push_back(
-      mzTofRow(1, MzCalibrationHead(), {20000.0, 170000.0, 0.0, 0.0, 0.0}));
+  spec.mzCalibration.rows.push_back(mzTofRow(1, sampleMzCalibrationHead(), kSampleTofCoefficients));
+  spec.koraCalibration.rows.push_back(koraRampRow(1, sampleMobilityRamp(ramp_scans)));
+  for (FrameRow& row : spec.frames) {
+    row.t1 = 25.0 + 0.25 * static_cast<double>(row.id % 8);
+    row.t2 = 24.0 - 0.1 * static_cast<double>(row.id % 5);
+  }
+}
+
+MzCalibrationHead sampleMzCalibrationHead() {
+  MzCalibrationHead head;
+  head.timebase = 0.25;
+  head.delay = 20000.0;
+  head.t1 = 25.0;
+  head.t2 = 24.0;
+  head.dC1 = 12.0;
+  head.dC2 = -4.0;
+  return head;
+}
+
+MobilityRamp sampleMobilityRamp(uint32_t ramp_scans) {
   MobilityRamp ramp;
   ramp.ncycles = ramp_scans;
-  spec.koraCalibration.rows.push_back(koraRampRow(1, ramp));
+  ramp.vStart = 200.0;
+  ramp.vEnd = 60.0;
+  ramp.c0 = 0.001;
+  ramp.c1 = 120.0;
+  ramp.vMin = 50.0;
+  ramp.vMax = 210.0;
+  return ramp;
 }
 
 }  // namespace writer

@@ -8,11 +8,13 @@
 #ifndef KORA_TOOLS_DATA_GENERATOR_H_
 #define KORA_TOOLS_DATA_GENERATOR_H_
 
+#include <array>
 #include <cstdint>
 #include <set>
 #include <vector>
 
 #include "tools/analysis_spec.h"
+#include "tools/calibration_rows.h"
 
 namespace lumo {
 namespace writer {
@@ -72,11 +74,21 @@ std::vector<std::vector<Scan>> generateFrames(const GeneratorOptions& options);
 AnalysisSpec generateAnalysis(const GeneratorOptions& options, int schema_major = 3,
                               int compression_type = 2);
 
-// Adds one MzCalibration row (Id 1: TOF model 1, time base 0.25, delay
-// 20000, c0 20000, c1 170000, no temperature coefficients; m/z about 1700 at
-// index 400000) and one KoraCalibration row (Id 1: model 2, a ramp from
-// 200 V to 60 V over `ramp_scans` scans, 1/K0 = V / 125 between 50 V and
-// 210 V). Frame rows already refer to Id 1 by default.
+// The sample's m/z calibration: the head (time base 0.25, delay 20000,
+// reference temperatures 25.0 and 24.0, coefficients 12 and -4 ppm per
+// degree) and the quadratic TOF model c0 10000, c1 377, c2 0.5: m/z about 14
+// at index 0 and 1693 at index 400000 at the reference temperatures.
+MzCalibrationHead sampleMzCalibrationHead();
+constexpr std::array<double, 5> kSampleTofCoefficients = {10000.0, 377.0, 0.5, 0.0, 0.0};
+// The sample's mobility calibration: a ramp from 200 V to 60 V over
+// `ramp_scans` scans, 1/K0 = V / (0.001 V + 120) between 50 V and 210 V.
+MobilityRamp sampleMobilityRamp(uint32_t ramp_scans);
+
+// Adds the MzCalibration row 1 (sampleMzCalibrationHead(), model 1 with
+// kSampleTofCoefficients) and the KoraCalibration row 1
+// (sampleMobilityRamp(ramp_scans)), to which frame rows refer by default,
+// and gives every frame temperatures that differ from the reference:
+// T1 = 25.0 + 0.25 * (id % 8), T2 = 24.0 - 0.1 * (id % 5).
 void addSampleCalibration(AnalysisSpec& spec, uint32_t ramp_scans);
 
 }  // namespace writer
