@@ -1,12 +1,14 @@
 // Which calibration state of a recalibration store is wanted: by key, or the
 // latest or first one, optionally of a given source, optionally only if it is
-// complete for the analysis at hand. A copyable value.
+// complete for the analysis at hand. A copyable value; thread-compatible.
 #ifndef KORA_CALIBRATION_ACCESS_CALIBRATION_STATE_SELECTOR_H_
 #define KORA_CALIBRATION_ACCESS_CALIBRATION_STATE_SELECTOR_H_
 
 #include <boost/optional.hpp>
 #include <cstdint>
 #include <string>
+
+class CppSQLite3DB;
 
 namespace lumo {
 namespace io {
@@ -29,6 +31,22 @@ class CalibrationStateSelector {
   // True when neither a key nor allowIncomplete is set: the one case in which
   // the analysis info must be given before a state is chosen.
   bool needsAnalysisInfo() const { return !key_ && !allowIncomplete_; }
+
+  // The key of the chosen state of the store `db`, by the first rule that
+  // applies:
+  //   1. a key is set: the key, if exactly one state has it;
+  //   2. allowIncomplete: the state of highest (latest) or lowest (first) Id,
+  //      of the source if one is set;
+  //   3. otherwise the same among the states complete for the analysis: with
+  //      frame m/z calibrators, one mapping for each of the frames 1 .. frame
+  //      count; without, a reference calibrator for each polarity present;
+  //      with hasMobility, also a mobility mapping for each frame.
+  // Keys and sources go into the statements unescaped, between single quotes.
+  // Throws std::runtime_error: "Calibration state [<key>] does not exist",
+  // "Found no [complete ]latest|first calibration state[ with source '<s>']",
+  // and for rule 3 without analysis info "Failed to set Analysis Info frame
+  // count before calling getUUID" or "... polarity ...". Remembers nothing.
+  std::string getUUID(CppSQLite3DB& db) const;
 
   const boost::optional<std::string>& key() const { return key_; }
   bool latest() const { return latest_; }
