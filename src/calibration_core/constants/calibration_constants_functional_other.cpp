@@ -1,8 +1,5 @@
 #include "calibration_core/constants/calibration_constants_functional_other.h"
 
-#include <boost/make_shared.hpp>
-#include <limits>
-#include <sstream>
 #include <stdexcept>
 
 #include "sys/throw.h"
@@ -19,63 +16,19 @@ void checkFtms1356Mode(int mode, const char* text) {
 
 }  // namespace
 
-CalibrationConstantsFunctionalHalyard::CalibrationConstantsFunctionalHalyard(double c0, double c1,
-                                                                             double c2,
-                                                                             int calibMode)
-    : c0_(c0), c1_(c1), c2_(c2), calibMode_(calibMode) {}
-
-ICloneablePtr CalibrationConstantsFunctionalHalyard::Clone() const {
-  return boost::make_shared<CalibrationConstantsFunctionalHalyard>(*this);
-}
-
-bool CalibrationConstantsFunctionalHalyard::IsEqual(
-    const ICalibrationConstantsFunctionalPtr& other) const {
-  boost::shared_ptr<ICalibrationConstantsFunctionalHalyard> o =
-      boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalHalyard>(other);
-  return o && o->GetC0() == c0_ && o->GetC1() == c1_ && o->GetC2() == c2_ &&
-         o->GetCalibMode() == calibMode_;
-}
-
 std::string CalibrationConstantsFunctionalHalyard::Dump() const {
-  std::ostringstream os;
-  os.precision(std::numeric_limits<double>::max_digits10);
+  detail::DumpStream os;
   os << "\tCalibrationConstantsFunctionalHalyard[ "
      << "c0 = " << c0_ << ", c1 = " << c1_ << ", c2 = " << c2_ << ", calibMode = " << calibMode_
      << " ]";
   return os.str();
 }
 
-CalibrationConstantsFunctionalLinear::CalibrationConstantsFunctionalLinear(double c0, double c1,
-                                                                           int calibMode)
-    : c0_(c0), c1_(c1), calibMode_(calibMode) {}
-
-ICloneablePtr CalibrationConstantsFunctionalLinear::Clone() const {
-  return boost::make_shared<CalibrationConstantsFunctionalLinear>(*this);
-}
-
-bool CalibrationConstantsFunctionalLinear::IsEqual(
-    const ICalibrationConstantsFunctionalPtr& other) const {
-  boost::shared_ptr<ICalibrationConstantsFunctionalLinear> o =
-      boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalLinear>(other);
-  return o && o->GetC0() == c0_ && o->GetC1() == c1_ && o->GetCalibMode() == calibMode_;
-}
-
 std::string CalibrationConstantsFunctionalLinear::Dump() const {
-  std::ostringstream os;
-  os.precision(std::numeric_limits<double>::max_digits10);
+  detail::DumpStream os;
   os << "\tCalibrationConstantsFunctionalLinear[ "
      << "c0 = " << c0_ << ", c1 = " << c1_ << ", calibMode = " << calibMode_ << " ]";
   return os.str();
-}
-
-CalibrationConstantsFunctionalFTMS04::CalibrationConstantsFunctionalFTMS04(double beta,
-                                                                           double freqHigh,
-                                                                           int ftmsRawMode,
-                                                                           int calibMode)
-    : beta_(beta), freqHigh_(freqHigh), ftmsRawMode_(ftmsRawMode), calibMode_(calibMode) {}
-
-ICloneablePtr CalibrationConstantsFunctionalFTMS04::Clone() const {
-  return boost::make_shared<CalibrationConstantsFunctionalFTMS04>(*this);
 }
 
 void CalibrationConstantsFunctionalFTMS04::SetCalibMode(const int& mode) {
@@ -87,17 +40,8 @@ void CalibrationConstantsFunctionalFTMS04::SetCalibMode(const int& mode) {
   calibMode_ = mode;
 }
 
-bool CalibrationConstantsFunctionalFTMS04::IsEqual(
-    const ICalibrationConstantsFunctionalPtr& other) const {
-  boost::shared_ptr<ICalibrationConstantsFunctionalFTMS04> o =
-      boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalFTMS04>(other);
-  return o && o->GetBeta() == beta_ && o->GetFreqHigh() == freqHigh_ &&
-         o->GetFtmsRawMode() == ftmsRawMode_ && o->GetCalibMode() == calibMode_;
-}
-
 std::string CalibrationConstantsFunctionalFTMS04::Dump() const {
-  std::ostringstream os;
-  os.precision(std::numeric_limits<double>::max_digits10);
+  detail::DumpStream os;
   os << "\tCalibrationConstantsFunctionalFTMS04[ \n"
      << "\t\tbeta = " << beta_ << ", freq high = " << freqHigh_
      << ", ftms raw mode = " << ftmsRawMode_ << ", calib mode = " << calibMode_ << " ]";
@@ -106,18 +50,10 @@ std::string CalibrationConstantsFunctionalFTMS04::Dump() const {
 
 CalibrationConstantsFunctionalFTMS1356::CalibrationConstantsFunctionalFTMS1356(
     double alpha, double beta, double freqHigh, int ftmsRawMode, int calibMode)
-    : alpha_(alpha),
-      beta_(beta),
-      freqHigh_(freqHigh),
-      ftmsRawMode_(ftmsRawMode),
-      calibMode_(calibMode) {
+    : FtmsConstantsBase(beta, freqHigh, ftmsRawMode, calibMode), alpha_(alpha) {
   checkFtms1356Mode(calibMode,
                     "CalibrationConstantsFunctionalFTMS1356 c'tor: Invalid FTMS Mode: 1, "
                     "3, 5 and 6 are valid");
-}
-
-ICloneablePtr CalibrationConstantsFunctionalFTMS1356::Clone() const {
-  return boost::make_shared<CalibrationConstantsFunctionalFTMS1356>(*this);
 }
 
 void CalibrationConstantsFunctionalFTMS1356::SetCalibMode(const int& mode) {
@@ -127,17 +63,8 @@ void CalibrationConstantsFunctionalFTMS1356::SetCalibMode(const int& mode) {
   calibMode_ = mode;
 }
 
-bool CalibrationConstantsFunctionalFTMS1356::IsEqual(
-    const ICalibrationConstantsFunctionalPtr& other) const {
-  boost::shared_ptr<ICalibrationConstantsFunctionalFTMS1356> o =
-      boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalFTMS1356>(other);
-  return o && o->GetAlpha() == alpha_ && o->GetBeta() == beta_ && o->GetFreqHigh() == freqHigh_ &&
-         o->GetFtmsRawMode() == ftmsRawMode_ && o->GetCalibMode() == calibMode_;
-}
-
 std::string CalibrationConstantsFunctionalFTMS1356::Dump() const {
-  std::ostringstream os;
-  os.precision(std::numeric_limits<double>::max_digits10);
+  detail::DumpStream os;
   os << "\tCalibrationConstantsFunctionalFTMS1356[ \n"
      << "\t\talpha = " << alpha_ << ", beta = " << beta_ << ", freq high = " << freqHigh_
      << ", ftms raw mode = " << ftmsRawMode_ << ", calib mode = " << calibMode_ << " ]";

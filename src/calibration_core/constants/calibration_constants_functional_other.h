@@ -17,58 +17,21 @@
 #include <string>
 
 #include "calibration_core/constants/functional_constants.h"
+#include "calibration_core/constants/functional_constants_base.h"
 
 namespace lumo {
 namespace calibration {
 namespace Constants {
 
-class CalibrationConstantsFunctionalHalyard
-    : public virtual ICalibrationConstantsFunctionalHalyard {
- public:
-  CalibrationConstantsFunctionalHalyard(double c0, double c1, double c2, int calibMode = -1);
+namespace detail {
 
-  ICloneablePtr Clone() const override;
-
-  int GetCalibMode() const override { return calibMode_; }
-  void SetCalibMode(const int& mode) override { calibMode_ = mode; }
-  bool IsEqual(const ICalibrationConstantsFunctionalPtr& other) const override;
-  int GetCalibrationType() const override { return kCalibrationTypeHalyard; }
-  void AssimilateIndexOffset(double indexOffset) override {}
-  std::string Dump() const override;
-
-  double GetC0() const override { return c0_; }
-  void SetC0(const double& c0) override { c0_ = c0; }
-  double GetC1() const override { return c1_; }
-  void SetC1(const double& c1) override { c1_ = c1; }
-  double GetC2() const override { return c2_; }
-  void SetC2(const double& c2) override { c2_ = c2; }
-  // The slope number of the mass polynomial: c1 itself.
-  double GetA1() const override { return c1_; }
-  void SetA1(const double& a1) override { c1_ = a1; }
-  double GetA1FromStoredC1() const override { return 1e12 / (c1_ * c1_); }
-
- private:
-  double c0_;
-  double c1_;
-  double c2_;
-  int calibMode_;
-};
-
-class CalibrationConstantsFunctionalLinear
-    : public virtual ICalibrationConstantsFunctionalLinear,
+// c0 and c1 of the families whose mass is a polynomial of the raw axis; the
+// slope number A of the computation interface is c1 itself.
+template <class Derived, class Interface, int kCalibrationType>
+class PolynomialConstantsBase
+    : public FunctionalConstantsBase<Derived, Interface, kCalibrationType>,
       public virtual ICalibrationConstantsFunctionalComputationLinear {
  public:
-  CalibrationConstantsFunctionalLinear(double c0, double c1, int calibMode = -1);
-
-  ICloneablePtr Clone() const override;
-
-  int GetCalibMode() const override { return calibMode_; }
-  void SetCalibMode(const int& mode) override { calibMode_ = mode; }
-  bool IsEqual(const ICalibrationConstantsFunctionalPtr& other) const override;
-  int GetCalibrationType() const override { return kCalibrationTypeLinear; }
-  void AssimilateIndexOffset(double indexOffset) override {}
-  std::string Dump() const override;
-
   double GetC0() const override { return c0_; }
   void SetC0(const double& c0) override { c0_ = c0; }
   double GetC1() const override { return c1_; }
@@ -76,31 +39,22 @@ class CalibrationConstantsFunctionalLinear
   double GetA1() const override { return c1_; }
   void SetA1(const double& a1) override { c1_ = a1; }
 
- private:
+ protected:
+  PolynomialConstantsBase(double c0, double c1, int calibMode)
+      : FunctionalConstantsBase<Derived, Interface, kCalibrationType>(calibMode),
+        c0_(c0),
+        c1_(c1) {}
+
   double c0_;
   double c1_;
-  int calibMode_;
 };
 
-// Raw modes 0 and 4: f = beta / m.
-class CalibrationConstantsFunctionalFTMS04
-    : public virtual ICalibrationConstantsFunctionalFTMS04,
-      public virtual ICalibrationConstantsFunctionalComputationLinear {
+// beta, the upper frequency and the raw mode of the FTMS families; beta is
+// the slope number A, and c0 is 0.0.
+template <class Derived, class Interface>
+class FtmsConstantsBase : public FunctionalConstantsBase<Derived, Interface, kCalibrationTypeFTMS>,
+                          public virtual ICalibrationConstantsFunctionalComputationLinear {
  public:
-  // Accepts any modes; SetCalibMode checks.
-  CalibrationConstantsFunctionalFTMS04(double beta, double freqHigh, int ftmsRawMode = 4,
-                                       int calibMode = 4);
-
-  ICloneablePtr Clone() const override;
-
-  int GetCalibMode() const override { return calibMode_; }
-  // Throws std::invalid_argument for a mode other than 0 or 4.
-  void SetCalibMode(const int& mode) override;
-  bool IsEqual(const ICalibrationConstantsFunctionalPtr& other) const override;
-  int GetCalibrationType() const override { return kCalibrationTypeFTMS; }
-  void AssimilateIndexOffset(double indexOffset) override {}
-  std::string Dump() const override;
-
   double GetBeta() const override { return beta_; }
   void SetBeta(const double& beta) override { beta_ = beta; }
   double GetFreqHigh() const override { return freqHigh_; }
@@ -113,55 +67,103 @@ class CalibrationConstantsFunctionalFTMS04
   double GetA1() const override { return beta_; }
   void SetA1(const double& a1) override { beta_ = a1; }
 
- private:
+ protected:
+  FtmsConstantsBase(double beta, double freqHigh, int ftmsRawMode, int calibMode)
+      : FunctionalConstantsBase<Derived, Interface, kCalibrationTypeFTMS>(calibMode),
+        beta_(beta),
+        freqHigh_(freqHigh),
+        ftmsRawMode_(ftmsRawMode) {}
+
+  bool FtmsFieldsEqual(const Interface& o) const {
+    return o.GetBeta() == beta_ && o.GetFreqHigh() == freqHigh_ &&
+           o.GetFtmsRawMode() == ftmsRawMode_;
+  }
+
   double beta_;
   double freqHigh_;
   int ftmsRawMode_;
-  int calibMode_;
+};
+
+}  // namespace detail
+
+class CalibrationConstantsFunctionalHalyard
+    : public detail::PolynomialConstantsBase<CalibrationConstantsFunctionalHalyard,
+                                             ICalibrationConstantsFunctionalHalyard,
+                                             kCalibrationTypeHalyard> {
+ public:
+  CalibrationConstantsFunctionalHalyard(double c0, double c1, double c2, int calibMode = -1)
+      : PolynomialConstantsBase(c0, c1, calibMode), c2_(c2) {}
+
+  std::string Dump() const override;
+  bool FieldsEqual(const ICalibrationConstantsFunctionalHalyard& o) const {
+    return o.GetC0() == c0_ && o.GetC1() == c1_ && o.GetC2() == c2_;
+  }
+
+  double GetC2() const override { return c2_; }
+  void SetC2(const double& c2) override { c2_ = c2; }
+  double GetA1FromStoredC1() const override { return slopeTermFromC1(c1_); }
+
+ private:
+  double c2_;
+};
+
+class CalibrationConstantsFunctionalLinear
+    : public detail::PolynomialConstantsBase<CalibrationConstantsFunctionalLinear,
+                                             ICalibrationConstantsFunctionalLinear,
+                                             kCalibrationTypeLinear> {
+ public:
+  CalibrationConstantsFunctionalLinear(double c0, double c1, int calibMode = -1)
+      : PolynomialConstantsBase(c0, c1, calibMode) {}
+
+  std::string Dump() const override;
+  bool FieldsEqual(const ICalibrationConstantsFunctionalLinear& o) const {
+    return o.GetC0() == c0_ && o.GetC1() == c1_;
+  }
+};
+
+// Raw modes 0 and 4: f = beta / m.
+class CalibrationConstantsFunctionalFTMS04
+    : public detail::FtmsConstantsBase<CalibrationConstantsFunctionalFTMS04,
+                                       ICalibrationConstantsFunctionalFTMS04> {
+ public:
+  // Accepts any modes; SetCalibMode checks.
+  CalibrationConstantsFunctionalFTMS04(double beta, double freqHigh, int ftmsRawMode = 4,
+                                       int calibMode = 4)
+      : FtmsConstantsBase(beta, freqHigh, ftmsRawMode, calibMode) {}
+
+  // Throws std::invalid_argument for a mode other than 0 or 4.
+  void SetCalibMode(const int& mode) override;
+  std::string Dump() const override;
+  bool FieldsEqual(const ICalibrationConstantsFunctionalFTMS04& o) const {
+    return FtmsFieldsEqual(o);
+  }
 };
 
 // Raw modes 1, 3, 5 and 6: f = alpha / m^2 + beta / m.
 class CalibrationConstantsFunctionalFTMS1356
-    : public virtual ICalibrationConstantsFunctionalFTMS1356,
+    : public detail::FtmsConstantsBase<CalibrationConstantsFunctionalFTMS1356,
+                                       ICalibrationConstantsFunctionalFTMS1356>,
       public virtual ICalibrationConstantsFunctionalComputationQuadratic {
  public:
   // Throws std::invalid_argument when calibMode is not 1, 3, 5 or 6.
   CalibrationConstantsFunctionalFTMS1356(double alpha, double beta, double freqHigh,
                                          int ftmsRawMode = 1, int calibMode = 1);
 
-  ICloneablePtr Clone() const override;
-
-  int GetCalibMode() const override { return calibMode_; }
   // Throws std::invalid_argument for a mode other than 1, 3, 5 or 6.
   void SetCalibMode(const int& mode) override;
-  bool IsEqual(const ICalibrationConstantsFunctionalPtr& other) const override;
-  int GetCalibrationType() const override { return kCalibrationTypeFTMS; }
-  void AssimilateIndexOffset(double indexOffset) override {}
   std::string Dump() const override;
+  bool FieldsEqual(const ICalibrationConstantsFunctionalFTMS1356& o) const {
+    return FtmsFieldsEqual(o) && o.GetAlpha() == alpha_;
+  }
 
   double GetAlpha() const override { return alpha_; }
   void SetAlpha(const double& alpha) override { alpha_ = alpha; }
-  double GetBeta() const override { return beta_; }
-  void SetBeta(const double& beta) override { beta_ = beta; }
-  double GetFreqHigh() const override { return freqHigh_; }
-  void SetFreqHigh(const double& freqHigh) override { freqHigh_ = freqHigh; }
-  int GetFtmsRawMode() const override { return ftmsRawMode_; }
-  void SetFtmsRawMode(const int& mode) override { ftmsRawMode_ = mode; }
-
-  double GetC0() const override { return 0.0; }
-  void SetC0(const double& c0) override {}
-  double GetA1() const override { return beta_; }
-  void SetA1(const double& a1) override { beta_ = a1; }
   double GetC2() const override { return alpha_; }
   void SetC2(const double& c2) override { alpha_ = c2; }
-  double GetA1FromStoredC1() const override { return 1e12 / (beta_ * beta_); }
+  double GetA1FromStoredC1() const override { return slopeTermFromC1(beta_); }
 
  private:
   double alpha_;
-  double beta_;
-  double freqHigh_;
-  int ftmsRawMode_;
-  int calibMode_;
 };
 
 }  // namespace Constants

@@ -39,10 +39,7 @@ class CalibrationTransformatorFTMS04 final
  public:
   // Throws std::invalid_argument or std::logic_error for constants of a
   // wrong kind, std::runtime_error for a calibration mode outside 0..6.
-  CalibrationTransformatorFTMS04(const ICalibrationConstantsFunctionalPtr& functionalConstants,
-                                 const ICalibrationConstantsPhysicalPtr& physicalConstants,
-                                 double indexOffset = 0.0,
-                                 const IMeasurementModeInfoPtr& info = IMeasurementModeInfoPtr());
+  using Transformator::Transformator;
 
   static const char* ClassName() { return "CalibrationTransformatorFTMS04"; }
 };
@@ -52,10 +49,7 @@ class CalibrationTransformatorFTMS15 final
                            IndexCheck<RILinear, FTMSIndexChecker>, ConstantsSettingAdjustForFTMS>,
       public virtual ICalibrationTransformatorFTMSQuadratic {
  public:
-  CalibrationTransformatorFTMS15(const ICalibrationConstantsFunctionalPtr& functionalConstants,
-                                 const ICalibrationConstantsPhysicalPtr& physicalConstants,
-                                 double indexOffset = 0.0,
-                                 const IMeasurementModeInfoPtr& info = IMeasurementModeInfoPtr());
+  using Transformator::Transformator;
 
   static const char* ClassName() { return "CalibrationTransformatorFTMS15"; }
 };

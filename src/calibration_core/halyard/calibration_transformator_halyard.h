@@ -22,13 +22,10 @@ namespace Transformation {
 class CalibrationTransformatorHalyardLinear final
     : public Transformator<CalibrationTransformatorHalyardLinear, RMInverse<RMLinear<NoSquareRoot>>,
                            RILinear, ConstantsSettingNoAction>,
-      public TransformatorFunctionalDegree {
+      public detail::FixedFunctionalDegree<1> {
  public:
   // Throws std::invalid_argument for constants of a wrong kind.
-  CalibrationTransformatorHalyardLinear(
-      const ICalibrationConstantsFunctionalPtr& functionalConstants,
-      const ICalibrationConstantsPhysicalPtr& physicalConstants, double indexOffset = 0.0,
-      const IMeasurementModeInfoPtr& info = IMeasurementModeInfoPtr());
+  using Transformator::Transformator;
 
   static const char* ClassName() { return "CalibrationTransformatorHalyardLinear"; }
 };
@@ -37,13 +34,10 @@ class CalibrationTransformatorHalyardQuadratic final
     : public Transformator<CalibrationTransformatorHalyardQuadratic,
                            RMInverse<RMQuadratic<NoSquareRoot>>, RILinear,
                            ConstantsSettingNoAction>,
-      public TransformatorFunctionalDegree {
+      public detail::FixedFunctionalDegree<2> {
  public:
   // Throws std::invalid_argument for constants of a wrong kind.
-  CalibrationTransformatorHalyardQuadratic(
-      const ICalibrationConstantsFunctionalPtr& functionalConstants,
-      const ICalibrationConstantsPhysicalPtr& physicalConstants, double indexOffset = 0.0,
-      const IMeasurementModeInfoPtr& info = IMeasurementModeInfoPtr());
+  using Transformator::Transformator;
 
   static const char* ClassName() { return "CalibrationTransformatorHalyardQuadratic"; }
 };

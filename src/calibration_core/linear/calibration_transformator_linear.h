@@ -18,13 +18,10 @@ namespace Transformation {
 class CalibrationTransformatorLinear final
     : public Transformator<CalibrationTransformatorLinear, RMInverse<RMLinear<NoSquareRoot>>,
                            RILinear, ConstantsSettingNoAction>,
-      public TransformatorFunctionalDegree {
+      public detail::FixedFunctionalDegree<1> {
  public:
   // Throws std::invalid_argument for constants of a wrong kind.
-  CalibrationTransformatorLinear(const ICalibrationConstantsFunctionalPtr& functionalConstants,
-                                 const ICalibrationConstantsPhysicalPtr& physicalConstants,
-                                 double indexOffset = 0.0,
-                                 const IMeasurementModeInfoPtr& info = IMeasurementModeInfoPtr());
+  using Transformator::Transformator;
 
   static const char* ClassName() { return "CalibrationTransformatorLinear"; }
 };

@@ -11,7 +11,6 @@
 #include <vigra/eigensystem.hxx>
 #include <vigra/polynomial.hxx>
 
-#include "calibration_core/tof2/calibration_transformator_tof2.h"
 #include "calibration_core/utilities/monotonic_range.h"
 #include "logging/log_stream.h"
 #include "math/find_zero_in_range.h"
@@ -34,19 +33,10 @@ std::string rangeText(const std::pair<double, double>& range) {
 
 }  // namespace
 
-CalibrationTransformatorTOF2Cubic::CalibrationTransformatorTOF2Cubic(
-    const ICalibrationConstantsFunctionalPtr& functionalConstants,
-    const ICalibrationConstantsPhysicalPtr& physicalConstants, double indexOffset,
-    const IMeasurementModeInfoPtr& info)
-    : Transformator(functionalConstants, physicalConstants, indexOffset, info),
-      TransformatorFunctionalDegree(3),
-      logger_(
-          logging::Logger::getLogger("lumo.calibration_core.CalibrationTransformatorTOF2Cubic")) {}
-
 double CalibrationTransformatorTOF2Cubic::exactRawToMass(double t, double minMass,
                                                          double maxMass) const {
   double dm = 0.0;
-  vigra::Polynomial<double> polynomial = tof2Polynomial(GetFunctionalConstants(), 3, &dm);
+  vigra::Polynomial<double> polynomial = squareRootLawPolynomial(GetFunctionalConstants(), 3, &dm);
   polynomial[0] = polynomial[0] - t;
   polynomial.minimizeOrder(0.0);
   if (polynomial.order() < 2) {
@@ -86,7 +76,8 @@ double CalibrationTransformatorTOF2Cubic::exactRawToMass(double t, double minMas
 std::pair<double, double> CalibrationTransformatorTOF2Cubic::approximateMonotonicMassRange(
     double m0) const {
   double dm = 0.0;
-  const vigra::Polynomial<double> quadratic = tof2Polynomial(GetFunctionalConstants(), 2, &dm);
+  const vigra::Polynomial<double> quadratic =
+      squareRootLawPolynomial(GetFunctionalConstants(), 2, &dm);
   std::pair<double, double> range = monotonicPolyShiftedSqrtRange(quadratic, m0, dm);
   LogStream(logger_, Level::TRACE) << "monotonic range approx = " << rangeText(range);
   const std::pair<double, double> exact = monotonicMassRange(m0);
@@ -99,13 +90,14 @@ std::pair<double, double> CalibrationTransformatorTOF2Cubic::approximateMonotoni
 
 std::pair<double, double> CalibrationTransformatorTOF2Cubic::monotonicMassRange(double m0) const {
   double dm = 0.0;
-  const vigra::Polynomial<double> cubic = tof2Polynomial(GetFunctionalConstants(), 3, &dm);
+  const vigra::Polynomial<double> cubic = squareRootLawPolynomial(GetFunctionalConstants(), 3, &dm);
   return monotonicPolyShiftedSqrtRange(cubic, m0, dm);
 }
 
 double CalibrationTransformatorTOF2Cubic::quadraticMassToTime(double m) const {
   double dm = 0.0;
-  const vigra::Polynomial<double> quadratic = tof2Polynomial(GetFunctionalConstants(), 2, &dm);
+  const vigra::Polynomial<double> quadratic =
+      squareRootLawPolynomial(GetFunctionalConstants(), 2, &dm);
   const double x = std::sqrt(m + dm);
   return (quadratic[2] * x + quadratic[1]) * x + quadratic[0];
 }
@@ -130,7 +122,8 @@ std::pair<double, double> CalibrationTransformatorTOF2Cubic::usableMassRange(
   LogStream description(logger_, Level::TRACE);
   if (description.enabled()) {
     double dm = 0.0;
-    const vigra::Polynomial<double> cubic = tof2Polynomial(GetFunctionalConstants(), 3, &dm);
+    const vigra::Polynomial<double> cubic =
+        squareRootLawPolynomial(GetFunctionalConstants(), 3, &dm);
     description.stream().precision(20);
     description.stream() << "usableMassRange() for " << ClassName() << " " << cubic[3] << " "
                          << cubic[2] << " " << cubic[1] << " " << cubic[0] << " dm " << dm;

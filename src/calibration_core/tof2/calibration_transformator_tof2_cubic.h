@@ -26,13 +26,10 @@ namespace Transformation {
 class CalibrationTransformatorTOF2Cubic final
     : public Transformator<CalibrationTransformatorTOF2Cubic, RMShift<RMCubic<SquareRoot>>,
                            RILinear, ConstantsSettingNoAction>,
-      public TransformatorFunctionalDegree {
+      public detail::FixedFunctionalDegree<3> {
  public:
   // Throws std::invalid_argument for constants of a wrong kind.
-  CalibrationTransformatorTOF2Cubic(
-      const ICalibrationConstantsFunctionalPtr& functionalConstants,
-      const ICalibrationConstantsPhysicalPtr& physicalConstants, double indexOffset = 0.0,
-      const IMeasurementModeInfoPtr& info = IMeasurementModeInfoPtr());
+  using Transformator::Transformator;
 
   static const char* ClassName() { return "CalibrationTransformatorTOF2Cubic"; }
 
@@ -65,7 +62,8 @@ class CalibrationTransformatorTOF2Cubic final
   // The time of mass m on the quadratic part alone.
   double quadraticMassToTime(double m) const;
 
-  logging::Logger logger_;
+  logging::Logger logger_ =
+      logging::Logger::getLogger("lumo.calibration_core.CalibrationTransformatorTOF2Cubic");
 };
 
 }  // namespace Transformation

@@ -143,6 +143,18 @@ class TransformatorFunctionalDegree {
   std::int32_t degree_;
 };
 
+namespace detail {
+
+// A degree fixed by the model's class, so that the model can inherit the
+// constructors of its Transformator.
+template <std::int32_t kDegree>
+class FixedFunctionalDegree : public TransformatorFunctionalDegree {
+ public:
+  FixedFunctionalDegree() : TransformatorFunctionalDegree(kDegree) {}
+};
+
+}  // namespace detail
+
 }  // namespace Transformation
 
 }  // namespace calibration

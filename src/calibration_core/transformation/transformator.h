@@ -97,9 +97,10 @@ class Transformator : public ICalibrationTransformator,
   // Sets the functional constants, the physical constants and the info in
   // this order (empty constants are skipped), then the index offset.
   // Throws what the setters throw.
+  // Models inherit this constructor (using Transformator::Transformator).
   Transformator(const ICalibrationConstantsFunctionalPtr& functionalConstants,
-                const ICalibrationConstantsPhysicalPtr& physicalConstants, double indexOffset,
-                const IMeasurementModeInfoPtr& measurementModeInfo) {
+                const ICalibrationConstantsPhysicalPtr& physicalConstants, double indexOffset = 0.0,
+                const IMeasurementModeInfoPtr& measurementModeInfo = IMeasurementModeInfoPtr()) {
     Transformator::SetFunctionalConstants(functionalConstants);
     Transformator::SetPhysicalConstants(physicalConstants);
     Transformator::SetMeasurementModeInfo(measurementModeInfo);

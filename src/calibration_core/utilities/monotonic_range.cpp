@@ -1,5 +1,7 @@
 #include "calibration_core/utilities/monotonic_range.h"
 
+#include <boost/pointer_cast.hpp>
+#include <cassert>
 #include <cmath>
 #include <stdexcept>
 
@@ -28,6 +30,28 @@ std::pair<double, double> monotonicPolyShiftedSqrtRange(const vigra::Polynomial<
   logging::LogStream(logger, logging::Level::TRACE)
       << "Calculated monotonic mass range is: [" << range.first << "," << range.second << "]";
   return range;
+}
+
+vigra::Polynomial<double> squareRootLawPolynomial(
+    const ICalibrationConstantsFunctionalPtr& constants, unsigned int order, double* dm) {
+  assert(order >= 1 && order <= 3);
+  const ICalibrationConstantsFunctionalTOF2Ptr tof2 =
+      boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalTOF2>(constants);
+  ICalibrationConstantsFunctionalComputationQuadraticPtr law = tof2;
+  if (!law) law = boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalTOF1>(constants);
+  if (!law) {
+    LUMO_THROW(
+        std::invalid_argument("CalibrationTransformatorTOF: funConsts is neither of type "
+                              "ICalibrationConstantsFunctionalTOF1 nor of type "
+                              "ICalibrationConstantsFunctionalTOF2."));
+  }
+  vigra::Polynomial<double> polynomial(order, 1e-14);
+  polynomial[0] = law->GetC0();
+  polynomial[1] = std::sqrt(law->GetA1());
+  if (order >= 2) polynomial[2] = law->GetC2();
+  if (order >= 3) polynomial[3] = tof2 ? tof2->GetC3() : 0.0;
+  *dm = tof2 ? tof2->GetDm() : 0.0;
+  return polynomial;
 }
 
 }  // namespace calibration
