@@ -1,11 +1,14 @@
 # make run   - install what is missing, build, write a sample analysis, read it
 # make test  - install what is missing, build, run every test
+# make install PREFIX=/usr/local - build and install header, library, CMake and pkg-config files
+# make package - build the Debian packages libkoradata0 and libkoradata-dev into $(BUILD)
 BUILD   ?= build
 JOBS    ?= $(shell nproc)
 CMAKE_FLAGS ?=
 SAMPLE  ?= $(BUILD)/sample-analysis
+PREFIX  ?= /usr/local
 
-.PHONY: all bootstrap configure build run test bench asan tsan clang fuzz clean
+.PHONY: all bootstrap configure build run test install package bench asan tsan clang fuzz clean
 
 all: build
 
@@ -25,6 +28,12 @@ run: build
 
 test: build
 	@ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
+
+install: build
+	@cmake --install $(BUILD) --prefix $(PREFIX)
+
+package: build
+	@cmake --build $(BUILD) --target package
 
 bench:
 	@bash scripts/bootstrap.sh

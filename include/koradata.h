@@ -26,6 +26,13 @@
 
 #include <stdint.h>
 
+/* The version of this interface and of the library that implements it. The
+ * build takes it from these three lines; the soname carries the major number
+ * (libkoradata.so.0). Each is a plain decimal number. */
+#define KORA_VERSION_MAJOR 0
+#define KORA_VERSION_MINOR 9
+#define KORA_VERSION_PATCH 0
+
 #if defined(KORA_BUILDING_LIBRARY)
 #define KORA_EXPORT __attribute__((visibility("default")))
 #else

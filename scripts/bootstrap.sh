@@ -6,6 +6,7 @@ set -euo pipefail
 
 packages=(
   build-essential g++ cmake ninja-build pkg-config ccache git
+  dpkg-dev file binutils
   libsqlite3-dev libzstd-dev
   libboost-dev libboost-filesystem-dev libboost-system-dev libboost-thread-dev
   libboost-regex-dev libboost-date-time-dev libboost-stacktrace-dev
