@@ -15,6 +15,7 @@
 #include <boost/noncopyable.hpp>
 #include <boost/optional.hpp>
 #include <boost/thread/tss.hpp>
+#include <cassert>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -85,31 +86,36 @@ unsigned int Instance::readScans(int64_t frame_id, unsigned int scan_begin, unsi
                                  lumo::io::kora::NormalizationType normalization) {
   constexpr size_t kMaxWords = 0x3FFFFFFF;
   if (scan_end <= scan_begin) LUMO_THROW(std::invalid_argument("scan_end must be > scan_begin"));
-  const size_t numScans = scan_end - scan_begin;
-  // The counts alone would pass the limit: refused before they are allocated.
-  if (numScans > kMaxWords)
-    LUMO_THROW(std::runtime_error("Maximum decompressed frame size exceeded."));
 
-  // result: the counts, written in place, then each scan's indices and
-  // intensities as they are finished; indices, intensities: the current scan.
-  std::vector<uint32_t> result(numScans, 0);
+  // counts: one per scan decoded so far; peaks: each finished scan's indices
+  // then intensities; indices, intensities: the current scan. All grow with
+  // the scans actually decoded, so a range beyond the frame's scans costs
+  // nothing before the reader refuses it.
+  std::vector<uint32_t> counts;
+  std::vector<uint32_t> peaks;
   std::vector<uint32_t> indices;
   std::vector<uint32_t> intensities;
   reader.decodeScanRange(
       frame_id, scan_begin, scan_end, PeakCollector{&indices, &intensities},
       [&](unsigned int scan) {
-        result[scan - scan_begin] = static_cast<uint32_t>(indices.size());
-        result.insert(result.end(), indices.begin(), indices.end());
-        result.insert(result.end(), intensities.begin(), intensities.end());
+        assert(scan - scan_begin == counts.size());
+        counts.push_back(static_cast<uint32_t>(indices.size()));
+        peaks.insert(peaks.end(), indices.begin(), indices.end());
+        peaks.insert(peaks.end(), intensities.begin(), intensities.end());
         indices.clear();
         intensities.clear();
       },
       normalization);
+  assert(counts.size() == static_cast<size_t>(scan_end - scan_begin));
 
-  const size_t n = result.size();
+  const size_t n = counts.size() + peaks.size();
   if (n > kMaxWords) LUMO_THROW(std::runtime_error("Maximum decompressed frame size exceeded."));
   const unsigned int bytes = static_cast<unsigned int>(4 * n);
-  if (bytes <= len) std::memcpy(buf, result.data(), bytes);
+  if (bytes <= len) {
+    unsigned char* const out = static_cast<unsigned char*>(buf);
+    std::memcpy(out, counts.data(), 4 * counts.size());
+    if (!peaks.empty()) std::memcpy(out + 4 * counts.size(), peaks.data(), 4 * peaks.size());
+  }
   return bytes;
 }
 

@@ -2,47 +2,24 @@
 // on analyses made by the synthetic writer, in both frame file forms.
 #include <gtest/gtest.h>
 
-#include <boost/filesystem.hpp>
 #include <cstring>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "koradata.h"
-#include "testing/temp_dir.h"
+#include "testing/api_analysis.h"
 #include "tools/analysis_writer.h"
 #include "tools/data_generator.h"
 
 namespace {
 
-namespace fs = boost::filesystem;
 using lumo::writer::AnalysisSpec;
 using lumo::writer::Bytes;
 using lumo::writer::FrameBlock;
 using lumo::writer::FrameRow;
 using lumo::writer::Scan;
 
-using ReadFunction = uint32_t (*)(uint64_t, int64_t, uint32_t, uint32_t, void*, uint32_t);
-
-std::string lastError() {
-  char text[1024];
-  kora_get_last_error_string(text, sizeof text);
-  return text;
-}
-
-// Splits a result buffer into its scans.
-std::vector<Scan> parse(const std::vector<uint32_t>& words, uint32_t num_scans) {
-  std::vector<Scan> scans(num_scans);
-  size_t at = num_scans;
-  for (uint32_t s = 0; s < num_scans; ++s) {
-    const uint32_t n = words[s];
-    scans[s].indices.assign(words.begin() + at, words.begin() + at + n);
-    scans[s].intensities.assign(words.begin() + at + n, words.begin() + at + 2 * n);
-    at += 2 * n;
-  }
-  EXPECT_EQ(words.size(), at);
-  return scans;
-}
+using Analysis = kora_testing::ApiAnalysis;
 
 std::vector<Scan> slice(const std::vector<Scan>& scans, uint32_t begin, uint32_t end) {
   return std::vector<Scan>(scans.begin() + begin, scans.begin() + end);
@@ -51,51 +28,6 @@ std::vector<Scan> slice(const std::vector<Scan>& scans, uint32_t begin, uint32_t
 Scan scan(std::vector<uint32_t> indices, std::vector<uint32_t> intensities) {
   return Scan{std::move(indices), std::move(intensities)};
 }
-
-// An analysis written to a fresh directory and opened.
-class Analysis {
- public:
-  explicit Analysis(const AnalysisSpec& spec) {
-    lumo::writer::writeAnalysis(spec, dir.path());
-    handle = kora_open(dir.str().c_str(), 0);
-    EXPECT_NE(0u, handle) << lastError();
-  }
-  ~Analysis() { kora_close(handle); }
-
-  // Reads scans [begin, end) the way a careful caller does: ask for the size,
-  // then read into a buffer of exactly that size.
-  std::vector<Scan> read(int64_t frame, uint32_t begin, uint32_t end,
-                         ReadFunction function = kora_read_scans_internal) const {
-    const uint32_t needed = function(handle, frame, begin, end, nullptr, 0);
-    EXPECT_NE(0u, needed) << lastError();
-    if (needed == 0) return {};
-    std::vector<uint32_t> words(needed / 4);
-    EXPECT_EQ(needed, function(handle, frame, begin, end, words.data(), needed)) << lastError();
-    return parse(words, end - begin);
-  }
-
-  // The text of a read that must fail.
-  std::string error(int64_t frame, uint32_t begin, uint32_t end,
-                    ReadFunction function = kora_read_scans_internal) const {
-    uint32_t sentinel = 0xABABABAB;
-    const uint32_t result = function(handle, frame, begin, end, &sentinel, sizeof sentinel);
-    EXPECT_EQ(0xABABABABu, sentinel);
-    if (result != 0) return "<succeeded>";
-    return lastError();
-  }
-
-  // Overwrites analysis.oxa_bin with zero bytes in place, under the open
-  // handle: what is read from the file afterwards is visibly different.
-  void zeroFrameFile() const {
-    const fs::path path = dir / "analysis.oxa_bin";
-    const std::string zeros(fs::file_size(path), '\0');
-    std::fstream file(path.string(), std::ios::in | std::ios::out | std::ios::binary);
-    file.write(zeros.data(), static_cast<std::streamsize>(zeros.size()));
-  }
-
-  kora_testing::TempDir dir;
-  uint64_t handle = 0;
-};
 
 // Parameter: the compression type.
 class ReadScans : public ::testing::TestWithParam<int> {

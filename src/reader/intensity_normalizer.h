@@ -4,6 +4,12 @@
 // pass. The factor is computed once per read; per peak the cost is one
 // multiply, one add and one conversion. Each normaliser is a peak sink
 // (reader/peak_sink.h) in both forms.
+//
+// The conversion of a scaled value to a count truncates towards zero and is
+// defined for every double: NaN and values below 0 give 0, values at or
+// above 2^32 (+inf included) give 4294967295. Absurd times in the file (an
+// AccumulationTime so small that the factor overflows, a negative or NaN
+// ratio) thus give saturated or zero counts, never undefined ones.
 #ifndef KORA_READER_INTENSITY_NORMALIZER_H_
 #define KORA_READER_INTENSITY_NORMALIZER_H_
 
@@ -35,10 +41,11 @@ inline NormalizationType defaultNormalization(int32_t schema_major) {
 
 namespace detail {
 
-// Truncation towards zero. Values outside [0, 2^32) are not meaningful
-// counts; they wrap instead of being undefined.
+// Truncation towards zero, saturating: NaN and values below 0 give 0,
+// values at or above 2^32 give 4294967295.
 inline uint32_t truncateToCount(double scaled) {
-  return static_cast<uint32_t>(static_cast<int64_t>(scaled));
+  if (!(scaled >= 0.0)) return 0;
+  return scaled < 4294967296.0 ? static_cast<uint32_t>(scaled) : 0xFFFFFFFFu;
 }
 
 // Scales a block of intensities and passes it on to `sink`. A factor of

@@ -100,8 +100,8 @@ void OxaFrameReader::fill(std::istream& stream, int64_t frame_id, int64_t kora_i
   cachedKoraId = kora_id;
 }
 
-const std::vector<unsigned char>& OxaFrameReader::get(unsigned int scan, unsigned int& first,
-                                                      unsigned int& last) const {
+const detail::ByteBuffer& OxaFrameReader::get(unsigned int scan, unsigned int& first,
+                                              unsigned int& last) const {
   if (scan >= numScans)
     LUMO_THROW(std::invalid_argument("Scan number [" + std::to_string(scan) + "] out of range."));
   if (scanBoundaries.empty()) {

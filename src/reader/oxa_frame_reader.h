@@ -24,6 +24,8 @@
 #include <istream>
 #include <vector>
 
+#include "reader/byte_buffer.h"
+
 struct ZSTD_DCtx_s;
 
 namespace lumo {
@@ -48,12 +50,13 @@ class OxaFrameReader : boost::noncopyable {
   // The expanded frame and, in `first` and `last`, the word range of `scan`.
   // Valid until the next fill of another frame.
   // Throws std::invalid_argument "Scan number [<scan>] out of range.".
-  const std::vector<unsigned char>& get(unsigned int scan, unsigned int& first,
-                                        unsigned int& last) const;
+  const detail::ByteBuffer& get(unsigned int scan, unsigned int& first, unsigned int& last) const;
 
  private:
-  std::vector<unsigned char> compressed;
-  std::vector<unsigned char> decompressed;
+  // Both sized by words of the file; only the bytes read or expanded are
+  // touched.
+  detail::ByteBuffer compressed;
+  detail::ByteBuffer decompressed;
   std::vector<uint32_t> scanBoundaries;
   int64_t cachedKoraId = -2;
   uint32_t numScans = 0;

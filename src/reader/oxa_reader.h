@@ -21,6 +21,7 @@
 #include "logging/logger.h"
 #include "reader/frame_info.h"
 #include "reader/intensity_normalizer.h"
+#include "reader/byte_buffer.h"
 
 namespace lumo {
 namespace io {
@@ -70,9 +71,8 @@ class OxaReader : boost::noncopyable {
   void hintWillReadScanRange(int64_t frame_id, unsigned int scan_begin, unsigned int scan_end);
   // Compression type 2: the expanded frame and the word range of `scan`;
   // the frame is expanded once while its scans are read one after another.
-  const std::vector<unsigned char>& getDecompressedScanData(int64_t frame_id, unsigned int scan,
-                                                            unsigned int& first,
-                                                            unsigned int& last);
+  const detail::ByteBuffer& getDecompressedScanData(int64_t frame_id, unsigned int scan,
+                                                    unsigned int& first, unsigned int& last);
 
   int32_t getSchemaVersionMajor() const;
   int32_t getCompressionType() const { return compressionType; }

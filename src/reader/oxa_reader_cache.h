@@ -9,7 +9,8 @@
 //     cachedKoraId and blockStart are not read.
 //  2. While a run is cached, header describes its frame and data[0] holds the
 //     byte at file offset blockStart.
-//  3. data only grows; its allocation stays for the reader's life.
+//  3. data only grows; its allocation stays for the reader's life. Its bytes
+//     are uninitialised until a read writes them.
 //
 // Thread-compatible: one thread at a time. A pointer from getScan is valid
 // until the next fill.
@@ -24,6 +25,7 @@
 #include <utility>
 #include <vector>
 
+#include "reader/byte_buffer.h"
 #include "reader/corrupt_data_error.h"
 #include "reader/oxa_frame_header.h"
 #include "sys/throw.h"
@@ -73,7 +75,7 @@ class OxaReaderCache : boost::noncopyable {
   std::pair<const unsigned char*, unsigned int> getScan(unsigned int scan) const;
 
  private:
-  std::vector<unsigned char> data;
+  detail::ByteBuffer data;
   int64_t cachedKoraId = -1;
   uint32_t scanRangeBegin = 0;
   uint32_t scanRangeEnd = 0;
@@ -96,7 +98,7 @@ void OxaReaderCache::fill(std::istream& stream, int64_t frame_id, int64_t kora_i
   const uint64_t total = last.first + last.second - start;
   if (total == 0) return;
   tooLarge(total);
-  if (total > std::numeric_limits<std::vector<unsigned char>::size_type>::max() ||
+  if (total > std::numeric_limits<detail::ByteBuffer::size_type>::max() ||
       total > static_cast<uint64_t>(std::numeric_limits<std::streamsize>::max()))
     LUMO_THROW(
         CorruptFrameDataError(frame_id, "Binary scan data block too large for std::vector<>"));

@@ -52,7 +52,7 @@ void OxaReader::decodeScan(int64_t frame_id, unsigned int scan, Sink sink) {
   }
   unsigned int first = 0;
   unsigned int last = 0;
-  const std::vector<unsigned char>& data = getDecompressedScanData(frame_id, scan, first, last);
+  const detail::ByteBuffer& data = getDecompressedScanData(frame_id, scan, first, last);
   decoding::decodeRLE2(frame_id, scan, data, first, last, sink);
 }
 

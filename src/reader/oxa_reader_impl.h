@@ -20,6 +20,7 @@
 #include "calibration_access/calibration_state_selector.h"
 #include "logging/logger.h"
 #include "reader/frame_info.h"
+#include "reader/byte_buffer.h"
 
 class CppSQLite3DB;
 
@@ -60,9 +61,8 @@ class OxaReaderImpl : boost::noncopyable {
   // The read path; see OxaReader.
   std::pair<const unsigned char*, unsigned int> getScanBlob(int64_t frame_id, unsigned int scan);
   void hintWillReadScanRange(int64_t frame_id, unsigned int scan_begin, unsigned int scan_end);
-  const std::vector<unsigned char>& getDecompressedScanData(int64_t frame_id, unsigned int scan,
-                                                            unsigned int& first,
-                                                            unsigned int& last);
+  const detail::ByteBuffer& getDecompressedScanData(int64_t frame_id, unsigned int scan,
+                                                    unsigned int& first, unsigned int& last);
 
  private:
   lumo::logging::Logger logger;

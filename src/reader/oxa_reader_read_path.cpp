@@ -56,10 +56,10 @@ void OxaReaderImpl::hintWillReadScanRange(int64_t frame_id, unsigned int scan_be
       [&] { LUMO_THROW(CorruptFrameDataError(frame_id, "Error reading scan-range data.")); });
 }
 
-const std::vector<unsigned char>& OxaReaderImpl::getDecompressedScanData(int64_t frame_id,
-                                                                         unsigned int scan,
-                                                                         unsigned int& first,
-                                                                         unsigned int& last) {
+const detail::ByteBuffer& OxaReaderImpl::getDecompressedScanData(int64_t frame_id,
+                                                                 unsigned int scan,
+                                                                 unsigned int& first,
+                                                                 unsigned int& last) {
   if (!frameReader)
     LUMO_THROW(std::runtime_error(
         "Unexpected call to getDecompressedScanData for analysis with scan compression"));
@@ -78,10 +78,9 @@ void OxaReader::hintWillReadScanRange(int64_t frame_id, unsigned int scan_begin,
   impl->hintWillReadScanRange(frame_id, scan_begin, scan_end);
 }
 
-const std::vector<unsigned char>& OxaReader::getDecompressedScanData(int64_t frame_id,
-                                                                     unsigned int scan,
-                                                                     unsigned int& first,
-                                                                     unsigned int& last) {
+const detail::ByteBuffer& OxaReader::getDecompressedScanData(int64_t frame_id, unsigned int scan,
+                                                             unsigned int& first,
+                                                             unsigned int& last) {
   return impl->getDecompressedScanData(frame_id, scan, first, last);
 }
 

@@ -124,11 +124,12 @@ namespace decoding {
 // [first, last) of the expanded frame `data`, in stored order. Indices are
 // not checked against the number of bins.
 //
-// F: a peak sink (reader/peak_sink.h), called directly.
+// F: a peak sink (reader/peak_sink.h), called directly. `data` may be a byte
+// vector of any allocator.
 // Throws CorruptScanDataError when the scan has an odd number of words or
 // reaches beyond the frame's W words.
-template <class F>
-void decodeRLE2(int64_t frame_id, unsigned int scan, const std::vector<unsigned char>& data,
+template <class F, class Alloc>
+void decodeRLE2(int64_t frame_id, unsigned int scan, const std::vector<unsigned char, Alloc>& data,
                 unsigned int first, unsigned int last, F sink) {
   if (((last - first) & 1u) != 0)
     LUMO_THROW(

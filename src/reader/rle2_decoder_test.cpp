@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
@@ -107,13 +108,21 @@ TEST(Rle2Decoder, CorruptScans) {
             error(data, 4, 8));
 }
 
-// Normalisers wrap the sink of a decoder.
+// Normalisers wrap the sink of a decoder. Peak by peak and as one block they
+// must give the same counts.
 Peaks normalize(NormalizationType type, double accumulation, double ramp,
                 const std::vector<uint32_t>& intensities) {
   Peaks peaks;
   detail::withNormalizer(type, accumulation, ramp, Collect{&peaks}, [&](auto sink) {
     for (uint32_t i = 0; i < intensities.size(); ++i) sink(i, intensities[i]);
   });
+  std::vector<uint32_t> indices(intensities.size());
+  for (uint32_t i = 0; i < indices.size(); ++i) indices[i] = i;
+  Peaks block;
+  detail::withNormalizer(type, accumulation, ramp, Collect{&block}, [&](auto sink) {
+    sink.append(indices.data(), intensities.data(), intensities.size());
+  });
+  EXPECT_EQ(peaks, block);
   return peaks;
 }
 
@@ -130,6 +139,26 @@ TEST(IntensityNormalizer, FactorsAndRounding) {
   EXPECT_EQ((Peaks{{0, 8}, {1, 5}}), normalize(T::DutyCycleRounded, 100.0, 90.0, {9, 5}));
   // The largest count is converted as unsigned.
   EXPECT_EQ((Peaks{{0, 0xFFFFFFFF}}), normalize(T::DutyCycle, 2.0, 2.0, {0xFFFFFFFF}));
+}
+
+TEST(IntensityNormalizer, ValuesOutsideTheCountRangeSaturate) {
+  using T = NormalizationType;
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  // An accumulation time of 1e-320 makes the factor +inf: 0 x inf is NaN.
+  EXPECT_EQ((Peaks{{0, 0}, {1, 0xFFFFFFFF}, {2, 0xFFFFFFFF}}),
+            normalize(T::AccuTime100ms, 1e-320, 0.0, {0, 1, 0xFFFFFFFF}));
+  // 2^32 - 2 fits, 2^32 saturates; also after rounding (factor 2: + 0.5).
+  EXPECT_EQ((Peaks{{0, 0xFFFFFFFE}, {1, 0xFFFFFFFF}}),
+            normalize(T::DutyCycle, 1.0, 2.0, {0x7FFFFFFF, 0x80000000}));
+  EXPECT_EQ((Peaks{{0, 0xFFFFFFFE}, {1, 0xFFFFFFFF}}),
+            normalize(T::AccuTime100ms, 50.0, 0.0, {0x7FFFFFFF, 0x80000000}));
+  // Below 0 gives 0, also where rounding lifts -4.5 to -4 and -0.5 to 0.0.
+  EXPECT_EQ((Peaks{{0, 0}, {1, 0}}), normalize(T::DutyCycle, 100.0, -50.0, {9, 1}));
+  EXPECT_EQ((Peaks{{0, 0}, {1, 0}}), normalize(T::DutyCycleRounded, 100.0, -50.0, {9, 1}));
+  EXPECT_EQ((Peaks{{0, 0}}), normalize(T::AccuTime100ms, -100.0, 0.0, {5}));
+  // NaN times give a NaN factor, and NaN gives 0.
+  EXPECT_EQ((Peaks{{0, 0}, {1, 0}}), normalize(T::DutyCycle, 100.0, nan, {9, 0}));
+  EXPECT_EQ((Peaks{{0, 0}}), normalize(T::AccuTime100ms, nan, 0.0, {9}));
 }
 
 TEST(IntensityNormalizer, DefaultsAndUnknownTypes) {

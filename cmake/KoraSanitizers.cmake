@@ -1,0 +1,34 @@
+# Sanitizer and fuzzing flags for the whole tree.
+#
+# KORA_SANITIZE: a list for -fsanitize= (e.g. address,undefined, or thread).
+#  - Every report is fatal (-fno-sanitize-recover=all): a test that provokes
+#    one fails instead of printing and passing.
+#  - With undefined, float-cast-overflow is added where the compiler knows it:
+#    GCC leaves it out of undefined, and a double converted to an integer type
+#    it does not fit is undefined behaviour.
+# KORA_BUILD_FUZZERS: everything is compiled with libFuzzer's coverage
+# (-fsanitize=fuzzer-no-link), so the fuzz targets are guided by the library's
+# own branches; kora_fuzzer links the driver.
+include(CheckCXXSourceCompiles)
+
+if(KORA_SANITIZE)
+  set(_kora_sanitizers "${KORA_SANITIZE}")
+  if(_kora_sanitizers MATCHES "(^|,)undefined(,|$)" AND
+     NOT _kora_sanitizers MATCHES "float-cast-overflow")
+    set(CMAKE_REQUIRED_FLAGS "-fsanitize=float-cast-overflow")
+    set(CMAKE_REQUIRED_LINK_OPTIONS "-fsanitize=float-cast-overflow")
+    check_cxx_source_compiles("int main() { return 0; }" KORA_HAVE_FLOAT_CAST_OVERFLOW)
+    unset(CMAKE_REQUIRED_FLAGS)
+    unset(CMAKE_REQUIRED_LINK_OPTIONS)
+    if(KORA_HAVE_FLOAT_CAST_OVERFLOW)
+      string(APPEND _kora_sanitizers ",float-cast-overflow")
+    endif()
+  endif()
+  add_compile_options(-fsanitize=${_kora_sanitizers} -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${_kora_sanitizers} -fno-sanitize-recover=all)
+endif()
+
+if(KORA_BUILD_FUZZERS)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
