@@ -20,6 +20,11 @@
  *    per thread.
  *  - Frame ids are the Id column of the analysis's Frames table; scans are
  *    numbered from 0 and `scan_end` is exclusive.
+ *  - Damaged analyses: a read that fails on the frame file itself (a frame
+ *    cut off at the end of the file, a seek that fails) leaves the handle's
+ *    file stream failed, so later reads of any frame on that handle may keep
+ *    failing ("Can't seek to binary header. ..."). Close the handle and open
+ *    the analysis again to read its intact frames.
  */
 #ifndef KORADATA_H_
 #define KORADATA_H_
