@@ -39,7 +39,8 @@ class RMQuadraticTilt {
 
   double RawToMass(double raw) const {
     const double n = c - raw;
-    if (a == 0.0) return detail::solveFlippedContinuedQuadraticEquationDegenerate(b, n);
+    if (a == 0.0)
+      return calibration::detail::solveFlippedContinuedQuadraticEquationDegenerate(b, n);
     const double s = b * b;
     const double D = s - (a * 4.0) * n;
     if (D >= 0) {
