@@ -34,6 +34,7 @@
 #include "calibration_core/transformation/calibration_transformator.h"
 #include "calibration_core/transformation/functors.h"
 #include "calibration_core/transformation/policy_errors.h"
+#include "calibration_core/transformation/width_conversions.h"
 
 namespace lumo {
 namespace calibration {
@@ -292,27 +293,10 @@ class Transformator : public ICalibrationTransformator,
   }
 
   double IndexWidthToMassWidth(double mass, double indexWidth) const override {
-    const double x = MassToDIndex(mass);
-    const double half = indexWidth * 0.5;
-    double lo = x - half;
-    double hi = half + x;
-    if (lo < 0) {
-      hi = hi - lo;
-      lo = 0;
-    }
-    return std::fabs(DIndexToMass(hi) - DIndexToMass(lo));
+    return detail::indexWidthToMassWidth(*this, mass, indexWidth);
   }
-
   double MassWidthToIndexWidth(double mass, double massWidth) const override {
-    const double half = massWidth * 0.5;
-    double lo = mass - half;
-    double hi = half + mass;
-    const double massOfIndexZero = IndexToMass(0);
-    if (massOfIndexZero >= lo) {
-      lo = massOfIndexZero;
-      hi = massOfIndexZero + massWidth;
-    }
-    return std::fabs(MassToDIndex(hi) - MassToDIndex(lo));
+    return detail::massWidthToIndexWidth(*this, mass, massWidth);
   }
 
   // Throw std::runtime_error unless the model overrides them.
