@@ -44,6 +44,11 @@ bench:
 asan:
 	@$(MAKE) test BUILD=build-asan CMAKE_FLAGS="-DKORA_SANITIZE=address,undefined"
 
+# The corruption campaign with 5000 damaged analyses instead of 200.
+.PHONY: torture
+torture: build
+	@KORA_CAMPAIGN_ANALYSES=5000 $(BUILD)/src/api/corruption_campaign_test
+
 tsan:
 	@$(MAKE) test BUILD=build-tsan CMAKE_FLAGS="-DKORA_SANITIZE=thread"
 

@@ -47,6 +47,12 @@ void flipByte(const boost::filesystem::path& file, uint64_t offset, unsigned cha
   patch(file, offset, &flipped, 1);
 }
 
+void overwriteBytes(const boost::filesystem::path& file, uint64_t offset,
+                    const std::vector<unsigned char>& bytes) {
+  requireInside(file, offset + bytes.size(), "overwrite bytes");
+  patch(file, offset, bytes.data(), bytes.size());
+}
+
 void overwriteLe32(const boost::filesystem::path& file, uint64_t offset, uint32_t value) {
   requireInside(file, offset + 4, "write a word");
   const unsigned char bytes[4] = {

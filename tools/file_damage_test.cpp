@@ -38,6 +38,8 @@ TEST_F(FileDamage, TruncateFlipAndOverwriteInPlace) {
   flipByte(path_, 5, 0x80);
   overwriteLe32(path_, 1, 0xAABBCCDD);
   EXPECT_EQ(bytes(), (std::vector<unsigned char>{1, 0xDD, 0xCC, 0xBB, 0xAA, 0x86}));
+  overwriteBytes(path_, 4, {0x00, 0x11});
+  EXPECT_EQ(bytes(), (std::vector<unsigned char>{1, 0xDD, 0xCC, 0xBB, 0x00, 0x11}));
   truncateFile(path_, 2);
   EXPECT_EQ(bytes(), (std::vector<unsigned char>{1, 0xDD}));
 }
@@ -50,6 +52,10 @@ TEST_F(FileDamage, RefusesToWorkBeyondTheEnd) {
             "Cannot flip a byte beyond the end" + in);
   EXPECT_EQ(kora_testing::thrownText<std::runtime_error>([&] { overwriteLe32(path_, 3, 0); }),
             "Cannot write a word beyond the end" + in);
+  EXPECT_EQ(kora_testing::thrownText<std::runtime_error>([&] {
+              overwriteBytes(path_, 5, {1, 2});
+            }),
+            "Cannot overwrite bytes beyond the end" + in);
   EXPECT_EQ(bytes().size(), 6u);
 }
 

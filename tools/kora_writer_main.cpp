@@ -2,10 +2,12 @@
 //
 //   kora-writer sample <dir> [--compression 1|2] [--frames N] [--seed S]
 //   kora-writer realistic <dir> [--compression 1|2] [--frames N] [--seed S]
+//   kora-writer damage <dir> [--seed S]
 //
 // "sample" writes the small demo analysis (schema 3, realistic-looking but
 // lighter frames, calibration rows); "realistic" writes full-size frames
-// for benchmarks. Both print one line describing what was written.
+// for benchmarks. Both print one line describing what was written. "damage"
+// damages an analysis in place (tools/damage_command.h).
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
@@ -14,6 +16,7 @@
 #include <string>
 
 #include "tools/analysis_writer.h"
+#include "tools/damage_command.h"
 #include "tools/data_generator.h"
 
 namespace {
@@ -23,7 +26,7 @@ using lumo::writer::GeneratorOptions;
 
 int usage() {
   std::cerr << "usage: kora-writer sample|realistic <dir> [--compression 1|2] [--frames N] "
-               "[--seed S]\n";
+               "[--seed S]\n       kora-writer damage <dir> [--seed S]\n";
   return 2;
 }
 
@@ -39,6 +42,7 @@ bool parseNumber(const std::string& text, uint64_t& out) {
 int main(int argc, char** argv) {
   if (argc < 3) return usage();
   const std::string mode = argv[1];
+  if (mode == "damage") return lumo::writer::damageCommand(argc, argv);
   const std::string dir = argv[2];
   if (mode != "sample" && mode != "realistic") return usage();
 
