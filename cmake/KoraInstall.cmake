@@ -8,7 +8,8 @@
 #   dev      libkoradata-dev  the public header, the libkoradata.so link, the
 #                             CMake package, koradata.pc, kora-writer and the
 #                             examples' sources
-#   python   python3-koradata the Python package, when it is built
+#   python   python3-koradata the Python package and the kora command, when
+#                             they are built (cmake/KoraInstallPython.cmake)
 # Nothing internal is installed: no static subsystem library, no header but
 # include/koradata.h.
 include(GNUInstallDirs)
@@ -61,36 +62,6 @@ install(FILES
     ${PROJECT_SOURCE_DIR}/examples/consumer/read_frame.c
   DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples/consumer COMPONENT dev)
 
-# kora_install_python_package(<dir> [TARGETS <extension modules...>])
-#   Installs the Python package in <dir> (its *.py files and the extension
-#   modules given) into the interpreter's dist-packages below the prefix, as
-#   component python. KORA_INSTALL_PYTHONDIR is lib/python3.X/dist-packages,
-#   which Debian's python3 searches both under /usr and /usr/local.
-#   The extension modules find libkoradata.so.0 beside the prefix's
-#   libraries through their RUNPATH.
-function(kora_install_python_package dir)
-  cmake_parse_arguments(ARG "" "" "TARGETS" ${ARGN})
-  find_package(Python3 REQUIRED COMPONENTS Interpreter)
-  set(KORA_INSTALL_PYTHONDIR
-      ${CMAKE_INSTALL_LIBDIR}/python${Python3_VERSION_MAJOR}.${Python3_VERSION_MINOR}/dist-packages
-      CACHE STRING "Where the Python package is installed, relative to the prefix")
-  get_filename_component(package ${dir} NAME)
-  install(DIRECTORY ${dir} DESTINATION ${KORA_INSTALL_PYTHONDIR} COMPONENT python
-    FILES_MATCHING PATTERN "*.py"
-    PATTERN "__pycache__" EXCLUDE
-    PATTERN "tests" EXCLUDE
-    PATTERN "*_test.py" EXCLUDE
-    PATTERN "test_*.py" EXCLUDE
-    PATTERN "conftest.py" EXCLUDE)
-  foreach(target IN LISTS ARG_TARGETS)
-    file(RELATIVE_PATH to_libdir /prefix/${KORA_INSTALL_PYTHONDIR}/${package}
-         /prefix/${CMAKE_INSTALL_LIBDIR})
-    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libdir}")
-    install(TARGETS ${target} LIBRARY DESTINATION ${KORA_INSTALL_PYTHONDIR}/${package}
-      COMPONENT python)
-  endforeach()
-endfunction()
-
 # Debian packages (make package): one per component, dependencies of the
 # binaries from dpkg-shlibdeps.
 set(CPACK_GENERATOR DEB)
@@ -120,7 +91,10 @@ set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
 # The extension module needs the library of the same build, which is not
 # installed while the packages are made: dpkg-shlibdeps could not place it.
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS OFF)
-set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "libkoradata0 (= ${PROJECT_VERSION}-1), python3, python3-numpy")
+get_property(kora_python_version GLOBAL PROPERTY KORA_PYTHON_VERSION)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+    "libkoradata0 (= ${PROJECT_VERSION}-1), python${kora_python_version}, python3-numpy, python3-pandas")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS "python3-tqdm")
 include(CPack)
 cpack_add_component(runtime DESCRIPTION "the koradata shared library")
 cpack_add_component(dev DESCRIPTION "header, CMake and pkg-config files, kora-writer, examples")
@@ -129,7 +103,8 @@ cpack_add_component(python DESCRIPTION "the koradata Python package")
 if(KORA_BUILD_TESTS)
   # Installs the runtime and dev components into a scratch prefix and builds
   # and runs examples/consumer against it, once through find_package and once
-  # through pkg-config.
+  # through pkg-config; then the python component, when it is built.
+  get_property(kora_python_executable GLOBAL PROPERTY KORA_PYTHON_EXECUTABLE)
   add_test(NAME install_consumer
     COMMAND ${CMAKE_COMMAND}
       -DBUILD_DIR=${PROJECT_BINARY_DIR}
@@ -141,5 +116,7 @@ if(KORA_BUILD_TESTS)
       -DCONFIG=$<LOWER_CASE:$<CONFIG>>
       -DC_COMPILER=${CMAKE_C_COMPILER}
       -DSANITIZE=${KORA_SANITIZE}
+      -DPYTHON=${kora_python_executable}
+      -DPYTHON_VERSION=${kora_python_version}
       -P ${CMAKE_CURRENT_LIST_DIR}/kora_install_test.cmake)
 endif()

@@ -4,9 +4,13 @@
 #   2. the library's soname is libkoradata.so.<major> and it has no run path;
 #   3. CONSUMER_DIR builds through find_package and through pkg-config, each
 #      pointed at the prefix only, and both builds read a frame written by the
-#      installed kora-writer, agreeing with the writer's peak count.
+#      installed kora-writer, agreeing with the writer's peak count;
+#   4. when PYTHON is given, the python component adds only the package's
+#      files and the kora command, and the package imports from the prefix
+#      with its extension module finding the installed library.
 # Arguments (-D): BUILD_DIR WORK_DIR CONSUMER_DIR VERSION LIBDIR DOCDIR
-# CONFIG (the build type, lower case) C_COMPILER SANITIZE.
+# CONFIG (the build type, lower case) C_COMPILER SANITIZE, and PYTHON (the
+# interpreter) with PYTHON_VERSION (3.X) when the Python package is built.
 
 # Runs the command after COMMAND, with DESTDIR unset and the variables of ENV
 # (NAME=value) set; OUT_VAR and ERR_VAR receive its stdout and stderr. Fails
@@ -125,4 +129,32 @@ endforeach()
 list(GET outputs 0 by_find_package)
 list(GET outputs 1 by_pkg_config)
 expect_equal("output of the pkg-config build" "${by_find_package}" "${by_pkg_config}")
+
+# 4. The Python package, beside the library it loads.
+if(PYTHON)
+  run(COMMAND ${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix} --component python)
+  file(GLOB_RECURSE python_files LIST_DIRECTORIES false RELATIVE ${prefix} ${prefix}/*)
+  list(REMOVE_ITEM python_files ${installed})
+  set(package_dir ${LIBDIR}/python${PYTHON_VERSION}/dist-packages/koradata)
+  set(modules)
+  foreach(file IN LISTS python_files)
+    if(file MATCHES "^${package_dir}/_koradata\\.cpython-[^/]*\\.so$")
+      list(APPEND modules ${file})
+    elseif(NOT file STREQUAL "bin/kora" AND NOT file MATCHES "^${package_dir}/[a-z_]+\\.py$")
+      message(FATAL_ERROR "python component installed ${file}")
+    endif()
+  endforeach()
+  list(LENGTH modules n)
+  expect_equal("extension modules installed" 1 ${n})
+  foreach(file bin/kora ${package_dir}/__init__.py)
+    if(NOT EXISTS ${prefix}/${file})
+      message(FATAL_ERROR "python component did not install ${file}")
+    endif()
+  endforeach()
+  run(ENV PYTHONPATH=${prefix}/${LIBDIR}/python${PYTHON_VERSION}/dist-packages
+      COMMAND ${PYTHON} -c "import koradata\nprint(koradata._koradata.__file__)"
+      OUT_VAR imported)
+  expect_equal("extension module imported" "${prefix}/${modules}\n" "${imported}")
+  run(COMMAND ${prefix}/bin/kora --help)
+endif()
 file(REMOVE_RECURSE ${WORK_DIR})
