@@ -3,6 +3,7 @@
 #include <exception>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "math/cfunction/cfunction_imp.h"
 #include "math/cfunction/spec1d_element_function.h"

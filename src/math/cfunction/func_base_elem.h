@@ -43,10 +43,11 @@ class CFuncBaseElem {
   virtual double Derivative(double x) const;
 
   // An x in [a, b] with f(x) == y, by Newton-Raphson from `start` (53 bits,
-  // at most 2600 iterations). `converged` becomes 1, or 0 when f(a) - y and
-  // f(b) - y have the same sign (then `start` is returned), when
-  // |f(x) - y| > 1e-6, when more than 2599 iterations were used, or when the
-  // iteration gave up. `residual` is f(result) - y.
+  // at most 2600 iterations). `converged` becomes 1, or 0 when
+  // |f(x) - y| > 1e-6 or more than 2599 iterations were used. `residual` is
+  // f(result) - y. When f(a) - y and f(b) - y have the same sign, or the
+  // iteration gives up (a local extremum, or a >= b), the result is `start`
+  // with `converged` 0. Never throws for numerical trouble.
   virtual double Inverse(double y, double start, double a, double b, int& converged,
                          double& residual) const;
   // The point form for each y: the first starts at `start`, each further one

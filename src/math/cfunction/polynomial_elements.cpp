@@ -1,6 +1,7 @@
 #include "math/cfunction/polynomial_elements.h"
 
 #include <cmath>
+#include <utility>
 
 namespace lumo {
 namespace math {
@@ -38,39 +39,43 @@ double upperBound(const std::vector<double>& x) {
 
 }  // namespace
 
+namespace detail {
+
+IntPolynomElem::IntPolynomElem(int elemNumber, const std::vector<double>& x,
+                               std::vector<double> coefficients, double lo, double hi)
+    : CFuncBaseElem(elemNumber, x), m_vCoefficients(std::move(coefficients)), lo_(lo), hi_(hi) {}
+
+}  // namespace detail
+
 CSpec1dIntPolynomElemXAll::CSpec1dIntPolynomElemXAll(int elemNumber, const std::vector<double>& x,
                                                      const std::vector<double>& y)
-    : CFuncBaseElem(elemNumber, x), m_vCoefficients(y) {}
+    : IntPolynomElem(elemNumber, x, y, -detail::kUnboundedLimit, detail::kUnboundedLimit) {}
 
 std::unique_ptr<CFuncBaseElem> CSpec1dIntPolynomElemXAll::Clone() const {
   return std::make_unique<CSpec1dIntPolynomElemXAll>(*this);
 }
 
-double CSpec1dIntPolynomElemXAll::operator()(double x) const {
-  return detail::horner(m_vCoefficients, x);
-}
+double CSpec1dIntPolynomElemXAll::operator()(double x) const { return Polynomial(x); }
 
-double CSpec1dIntPolynomElemXAll::Derivative(double x) const {
-  return detail::hornerDerivative(m_vCoefficients, x);
-}
+double CSpec1dIntPolynomElemXAll::Derivative(double x) const { return PolynomialSlope(x); }
 
 int CSpec1dIntPolynomElemXAll::TypeCode() const { return kIntPolynomXAllElemType; }
 
 CSpec1dIntPolynomElemXCopyExt::CSpec1dIntPolynomElemXCopyExt(int elemNumber,
                                                              const std::vector<double>& x,
                                                              const std::vector<double>& y)
-    : CFuncBaseElem(elemNumber, x), m_vCoefficients(y), lo_(lowerBound(x)), hi_(upperBound(x)) {}
+    : IntPolynomElem(elemNumber, x, y, lowerBound(x), upperBound(x)) {}
 
 std::unique_ptr<CFuncBaseElem> CSpec1dIntPolynomElemXCopyExt::Clone() const {
   return std::make_unique<CSpec1dIntPolynomElemXCopyExt>(*this);
 }
 
 double CSpec1dIntPolynomElemXCopyExt::operator()(double x) const {
-  return detail::inRange(x, lo_, hi_) ? detail::horner(m_vCoefficients, x) : x;
+  return InRange(x) ? Polynomial(x) : x;
 }
 
 double CSpec1dIntPolynomElemXCopyExt::Derivative(double x) const {
-  return detail::inRange(x, lo_, hi_) ? detail::hornerDerivative(m_vCoefficients, x) : 1.0;
+  return InRange(x) ? PolynomialSlope(x) : 1.0;
 }
 
 int CSpec1dIntPolynomElemXCopyExt::TypeCode() const { return kIntPolynomXCopyExtElemType; }
@@ -78,10 +83,7 @@ int CSpec1dIntPolynomElemXCopyExt::TypeCode() const { return kIntPolynomXCopyExt
 CSpec1dIntPolynomElemZRKExt::CSpec1dIntPolynomElemZRKExt(int elemNumber,
                                                          const std::vector<double>& x,
                                                          const std::vector<double>& y)
-    : CFuncBaseElem(elemNumber, x),
-      m_vCoefficients(coefficientsOrZero(y)),
-      lo_(lowerBound(x)),
-      hi_(upperBound(x)),
+    : IntPolynomElem(elemNumber, x, coefficientsOrZero(y), lowerBound(x), upperBound(x)),
       k_(x.size() < 3 ? 1.0 : x[2]) {}
 
 std::unique_ptr<CFuncBaseElem> CSpec1dIntPolynomElemZRKExt::Clone() const {
@@ -89,25 +91,23 @@ std::unique_ptr<CFuncBaseElem> CSpec1dIntPolynomElemZRKExt::Clone() const {
 }
 
 double CSpec1dIntPolynomElemZRKExt::operator()(double x) const {
-  if (detail::inRange(x, lo_, hi_)) return PolynomialValue(x);
+  if (InRange(x)) return Polynomial(x);
   const double b = x < lo_ ? lo_ : hi_;
-  return x + std::exp(-((x - b) * k_ * (x - b))) * (PolynomialValue(b) - b);
+  return x + std::exp(-((x - b) * k_ * (x - b))) * (Polynomial(b) - b);
 }
 
 double CSpec1dIntPolynomElemZRKExt::Derivative(double x) const {
-  if (detail::inRange(x, lo_, hi_)) return PolynomialDerivative(x);
+  if (InRange(x)) return PolynomialSlope(x);
   const double b = x < lo_ ? lo_ : hi_;
-  return 1.0 - (PolynomialValue(b) - b) * 2.0 * k_ * (x - b) * std::exp(-((x - b) * k_ * (x - b)));
+  return 1.0 - (Polynomial(b) - b) * 2.0 * k_ * (x - b) * std::exp(-((x - b) * k_ * (x - b)));
 }
 
 int CSpec1dIntPolynomElemZRKExt::TypeCode() const { return kIntPolynomZRKExtElemType; }
 
-double CSpec1dIntPolynomElemZRKExt::PolynomialValue(double x) const {
-  return detail::horner(m_vCoefficients, x);
-}
+double CSpec1dIntPolynomElemZRKExt::PolynomialValue(double x) const { return Polynomial(x); }
 
 double CSpec1dIntPolynomElemZRKExt::PolynomialDerivative(double x) const {
-  return detail::hornerDerivative(m_vCoefficients, x);
+  return PolynomialSlope(x);
 }
 
 }  // namespace math

@@ -35,38 +35,51 @@ double hornerDerivative(const std::vector<double>& c, double x);
 
 }  // namespace detail
 
+namespace detail {
+
+// What the integer-power polynomial elements share: the coefficients and
+// the validity range.
+class IntPolynomElem : public CFuncBaseElem {
+ public:
+  using CFuncBaseElem::operator();
+
+ protected:
+  IntPolynomElem(int elemNumber, const std::vector<double>& x, std::vector<double> coefficients,
+                 double lo, double hi);
+
+  double Polynomial(double x) const { return horner(m_vCoefficients, x); }
+  double PolynomialSlope(double x) const { return hornerDerivative(m_vCoefficients, x); }
+  bool InRange(double x) const { return inRange(x, lo_, hi_); }
+
+  const std::vector<double> m_vCoefficients;
+  const double lo_;
+  const double hi_;
+};
+
+}  // namespace detail
+
 // `y` holds the coefficients; `x` is not used. The polynomial everywhere.
-class CSpec1dIntPolynomElemXAll : public CFuncBaseElem {
+class CSpec1dIntPolynomElemXAll : public detail::IntPolynomElem {
  public:
   CSpec1dIntPolynomElemXAll(int elemNumber, const std::vector<double>& x,
                             const std::vector<double>& y);
   std::unique_ptr<CFuncBaseElem> Clone() const override;
-  using CFuncBaseElem::operator();
   double operator()(double x) const override;
   double Derivative(double x) const override;
   int TypeCode() const override;
-
- private:
-  std::vector<double> m_vCoefficients;
 };
 
 // `y` holds the coefficients, `x` the range [x[0], x[1]] (the whole line when
 // x has fewer than two values). Outside the range the identity: value x,
 // derivative 1.0.
-class CSpec1dIntPolynomElemXCopyExt : public CFuncBaseElem {
+class CSpec1dIntPolynomElemXCopyExt : public detail::IntPolynomElem {
  public:
   CSpec1dIntPolynomElemXCopyExt(int elemNumber, const std::vector<double>& x,
                                 const std::vector<double>& y);
   std::unique_ptr<CFuncBaseElem> Clone() const override;
-  using CFuncBaseElem::operator();
   double operator()(double x) const override;
   double Derivative(double x) const override;
   int TypeCode() const override;
-
- private:
-  std::vector<double> m_vCoefficients;
-  double lo_;
-  double hi_;
 };
 
 // `y` holds the coefficients (none: one 0.0), `x` is [lo, hi, k]: fewer than
@@ -74,12 +87,11 @@ class CSpec1dIntPolynomElemXCopyExt : public CFuncBaseElem {
 // fewer than three k = 1.0. Outside the range the function returns to the
 // identity with a Gaussian: with b the bound on x's side and P the
 // polynomial, x + (P(b) - b) * exp(-k (x - b)^2).
-class CSpec1dIntPolynomElemZRKExt : public CFuncBaseElem {
+class CSpec1dIntPolynomElemZRKExt : public detail::IntPolynomElem {
  public:
   CSpec1dIntPolynomElemZRKExt(int elemNumber, const std::vector<double>& x,
                               const std::vector<double>& y);
   std::unique_ptr<CFuncBaseElem> Clone() const override;
-  using CFuncBaseElem::operator();
   double operator()(double x) const override;
   double Derivative(double x) const override;
   int TypeCode() const override;
@@ -89,10 +101,7 @@ class CSpec1dIntPolynomElemZRKExt : public CFuncBaseElem {
   double PolynomialDerivative(double x) const;
 
  private:
-  std::vector<double> m_vCoefficients;
-  double lo_;
-  double hi_;
-  double k_;
+  const double k_;
 };
 
 }  // namespace math

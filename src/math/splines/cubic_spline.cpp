@@ -1,6 +1,5 @@
 #include "math/splines/cubic_spline.h"
 
-#include <algorithm>
 #include <cassert>
 #include <cstddef>
 
