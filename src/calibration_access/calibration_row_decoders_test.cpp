@@ -10,6 +10,7 @@
 
 #include "calibration_access/calibration_table_reader.h"
 #include "calibration_access/corrupt_data_error.h"
+#include "calibration_access/test_calibration_law.h"
 #include "calibration_core/tof/calibration_transformator_tof.h"
 #include "calibration_core/tof2/calibration_transformator_tof2_cubic.h"
 #include "sql/cppsqlite3.h"
@@ -17,6 +18,13 @@
 
 namespace {
 
+using kora_testing::expectTofLaw;
+using kora_testing::expectZrkLaw;
+using kora_testing::indexOfTime;
+using kora_testing::kDelay;
+using kora_testing::kTimeBase;
+using kora_testing::kTofCoefficients;
+using kora_testing::kZrkCoefficients;
 using kora_testing::thrownText;
 using lumo::calibration::ICalibrationTransformatorPtr;
 using lumo::io::calibration::CalibrationTableReader;
@@ -98,21 +106,10 @@ TEST_F(RowDecoders, MobilityRampAndLawFailuresPassThrough) {
 
 // --- Mass models ------------------------------------------------------------
 
-// Digitizer of these tests: raw time t = index * 0.25 + 20000.
-const double kTimeBase = 0.25;
-const double kDelay = 20000.0;
-double indexOfTime(double t) { return (t - kDelay) / kTimeBase; }
-
 TEST_F(RowDecoders, TofRowWithoutCubicTermsIsTheSquareRootLaw) {
-  const double c0 = 100.0, c1 = 745.0, c2 = 0.01;
-  auto t = io::getMzTrafoTof(row("100.0, 745.0, 0.01, 0.0, 0.0"), 2, kTimeBase, kDelay);
-  ASSERT_TRUE(boost::dynamic_pointer_cast<T::CalibrationTransformatorTOFQuadratic>(t));
-  const double a1 = 1e12 / (c1 * c1);
-  for (double m : {100.0, 622.5, 2000.0}) {
-    const double time = c0 + std::sqrt(a1 * m) + c2 * m;
-    EXPECT_NEAR(time, t->MassToRaw(m), 1e-9 * time);
-    EXPECT_NEAR(m, t->DIndexToMass(indexOfTime(time)), 1e-9 * m);
-  }
+  auto t = io::getMzTrafoTof(row(kTofCoefficients), 2, kTimeBase, kDelay);
+  EXPECT_TRUE(boost::dynamic_pointer_cast<T::CalibrationTransformatorTOFQuadratic>(t));
+  expectTofLaw(t, 1.0);
 }
 
 TEST_F(RowDecoders, TofRowWithAnyCubicTermIsTheCubicModel) {
@@ -132,6 +129,13 @@ TEST_F(RowDecoders, TofRowWithAnyCubicTermIsTheCubicModel) {
     EXPECT_NEAR(time, cubic->MassToRaw(m), 1e-9 * time);
     EXPECT_NEAR(m, cubic->DIndexToMass(indexOfTime(time)), 1e-7 * m);
   }
+}
+
+TEST_F(RowDecoders, ZrkRowCorrectsTheSquareRootLaw) {
+  // A third coefficient after the count of two is not read.
+  expectZrkLaw(
+      io::getMzTrafoTofZrk(row(std::string(kZrkCoefficients) + ", 7.0"), 2, kTimeBase, kDelay),
+      1.0);
 }
 
 TEST_F(RowDecoders, IonTrapRowIsAPolynomialOfTheRawMass) {
