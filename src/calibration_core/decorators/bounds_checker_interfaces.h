@@ -11,24 +11,22 @@
 namespace lumo {
 namespace calibration {
 
-// Bounds on the raw axis, in the raw unit of the wrapped model.
-class ICalibrationTransformatorRawBoundsChecker : public ICalibrationTransformatorDecorator {
+// What both checkers have: the interval [lower, upper] they clamp into.
+class ICalibrationTransformatorBoundsChecker : public ICalibrationTransformatorDecorator {
  public:
   virtual double GetLower() const = 0;
   virtual void SetLower(double lower) = 0;
   virtual double GetUpper() const = 0;
   virtual void SetUpper(double upper) = 0;
 };
+
+// Bounds on the raw axis, in the raw unit of the wrapped model.
+class ICalibrationTransformatorRawBoundsChecker : public ICalibrationTransformatorBoundsChecker {};
 typedef boost::shared_ptr<ICalibrationTransformatorRawBoundsChecker>
     ICalibrationTransformatorRawBoundsCheckerPtr;
 
 // Bounds on the index axis, in samples.
-class ICalibrationTransformatorIndexBoundsChecker : public ICalibrationTransformatorDecorator {
- public:
-  virtual double GetLower() const = 0;
-  virtual void SetLower(double lower) = 0;
-  virtual double GetUpper() const = 0;
-  virtual void SetUpper(double upper) = 0;
+class ICalibrationTransformatorIndexBoundsChecker : public ICalibrationTransformatorBoundsChecker {
 };
 typedef boost::shared_ptr<ICalibrationTransformatorIndexBoundsChecker>
     ICalibrationTransformatorIndexBoundsCheckerPtr;
