@@ -12,6 +12,8 @@ packages=(
   libboost-regex-dev libboost-date-time-dev libboost-stacktrace-dev
   libvigraimpex-dev libutfcpp-dev liblapack-dev
   liblzf-dev libgtest-dev libbenchmark-dev
+  pybind11-dev python3-dev python3-numpy python3-pandas python3-pytest python3-tqdm
+  python3-dask python3-distributed python3-matplotlib
 )
 # The Clang build (make clang, make fuzz) needs clang and LLVM's OpenMP and sanitizer runtimes.
 if [ "${KORA_BOOTSTRAP_CLANG:-0}" = 1 ]; then
