@@ -7,12 +7,15 @@
 #include <string>
 
 #include "calibration_core/constants/calibration_constants_functional_other.h"
+#include "calibration_core/decorators/calibration_transformator_index_bounds_checker.h"
+#include "calibration_core/decorators/calibration_transformator_raw_bounds_checker.h"
 #include "calibration_core/ftms/calibration_transformator_ftms.h"
 #include "calibration_core/halyard/calibration_transformator_halyard.h"
 #include "calibration_core/linear/calibration_transformator_linear.h"
 #include "calibration_core/tof/calibration_transformator_tof.h"
 #include "calibration_core/tof2/calibration_transformator_tof2.h"
 #include "calibration_core/tof2/calibration_transformator_tof2_cubic.h"
+#include "calibration_core/zrk/calibration_transformator_zrk.h"
 #include "sys/throw.h"
 
 namespace lumo {
@@ -61,156 +64,184 @@ bool is(const ICalibrationConstantsFunctionalPtr& functional) {
 
 }  // namespace
 
-const ICalibrationTransformatorFactory& CalibrationTransformatorFactory::Instance() {
+// Stateless: every operation reads only its arguments.
+class CalibrationTransformatorFactory final : public ICalibrationTransformatorFactory {
+ public:
+  ICalibrationTransformatorPtr createTransformator(
+      const ICalibrationConstantsFunctionalPtr& functional,
+      const ICalibrationConstantsPhysicalPtr& physical) const override {
+    if (is<ICalibrationConstantsFunctionalTOF2>(functional)) {
+      return createTransformatorTof2(functional,
+                                     physicalOf<ICalibrationConstantsPhysicalTOF>(physical));
+    }
+    if (is<ICalibrationConstantsFunctionalTOF1>(functional)) {
+      return createTransformatorTof(functional,
+                                    physicalOf<ICalibrationConstantsPhysicalTOF>(physical));
+    }
+    if (is<ICalibrationConstantsFunctionalFTMS>(functional)) {
+      return createTransformatorIcr(functional,
+                                    physicalOf<ICalibrationConstantsPhysicalFTMS>(physical));
+    }
+    if (is<ICalibrationConstantsFunctionalHalyard>(functional)) {
+      return createTransformatorTrap(functional,
+                                     physicalOf<ICalibrationConstantsPhysicalHalyard>(physical));
+    }
+    if (is<ICalibrationConstantsFunctionalLinear>(functional)) {
+      return createTransformatorLinear(functional,
+                                       physicalOf<ICalibrationConstantsPhysicalLinear>(physical));
+    }
+    LUMO_THROW(
+        std::invalid_argument("CalibrationTransformatorFactory::createTransformator: invalid "
+                              "transformator: type unknown"));
+  }
+
+  ICalibrationTransformatorPtr createTransformatorTof(
+      const ICalibrationConstantsFunctionalPtr& functional,
+      const ICalibrationConstantsPhysicalTOFPtr& physical) const override {
+    const ICalibrationConstantsFunctionalTOF1Ptr tof1 =
+        familyOf<ICalibrationConstantsFunctionalTOF1>(functional, "createTransformatorTof",
+                                                      "ICalibrationConstantsFunctionalTOF1");
+    if (tof1->GetC2() == 0.0) return make<CalibrationTransformatorTOFLinear>(functional, physical);
+    return make<CalibrationTransformatorTOFQuadratic>(functional, physical);
+  }
+
+  ICalibrationTransformatorPtr createTransformatorTof2(
+      const ICalibrationConstantsFunctionalPtr& functional,
+      const ICalibrationConstantsPhysicalTOFPtr& physical) const override {
+    const ICalibrationConstantsFunctionalTOF2Ptr tof2 =
+        familyOf<ICalibrationConstantsFunctionalTOF2>(functional, "createTransformatorTof2",
+                                                      "ICalibrationConstantsFunctionalTOF2");
+    if (tof2->GetDm() != 0.0 || tof2->GetC3() != 0.0) {
+      return make<CalibrationTransformatorTOF2Cubic>(functional, physical);
+    }
+    if (tof2->GetC2() != 0.0)
+      return make<CalibrationTransformatorTOF2Quadratic>(functional, physical);
+    return make<CalibrationTransformatorTOF2Linear>(functional, physical);
+  }
+
+  ICalibrationTransformatorPtr createTransformatorTrap(
+      const ICalibrationConstantsFunctionalPtr& functional,
+      const ICalibrationConstantsPhysicalHalyardPtr& physical) const override {
+    const ICalibrationConstantsFunctionalHalyardPtr halyard =
+        familyOf<ICalibrationConstantsFunctionalHalyard>(functional, "createTransformatorTrap",
+                                                         "ICalibrationConstantsFunctionalHalyard");
+    if (halyard->GetA1() * 1e-9 >= std::fabs(halyard->GetC2())) {
+      return make<CalibrationTransformatorHalyardLinear>(functional, physical);
+    }
+    return make<CalibrationTransformatorHalyardQuadratic>(functional, physical);
+  }
+
+  ICalibrationTransformatorPtr createTransformatorIcr(
+      const ICalibrationConstantsFunctionalPtr& functional,
+      const ICalibrationConstantsPhysicalFTMSPtr& physical) const override {
+    const ICalibrationConstantsFunctionalFTMSPtr ftms =
+        boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalFTMS>(functional);
+    if (!ftms) {
+      LUMO_THROW(std::invalid_argument(
+          "lumo::calibration::Transformation::CalibrationTransformatorFactory::"
+          "createTransformatorIcr: expected ICalibrationConstantsFunctionalFTMS"));
+    }
+    const int mode = ftms->GetCalibMode();
+    switch (mode) {
+      case 0:
+      case 4:
+        return make<CalibrationTransformatorFTMS04>(functional, physical);
+      case 1:
+      case 5:
+        return make<CalibrationTransformatorFTMS15>(functional, physical);
+      case 2:
+        LUMO_THROW(std::invalid_argument(
+            "CalibrationTransformatorFactory::createTransformatorIcr: mode 2 not supported [WT]"));
+      case 3:
+      case 6:
+        LUMO_THROW(std::invalid_argument(
+            "CalibrationTransformatorFactory::createTransformatorIcr: mode 3 and 6 not supported "
+            "[WT]"));
+      default:
+        LUMO_THROW(std::runtime_error(
+            "CalibrationTransformatorFactory::createTransformatorIcr: unknown ftms mode. Expected "
+            "0..6, but CalibMode = " +
+            std::to_string(mode)));
+    }
+  }
+
+  ICalibrationTransformatorPtr createTransformatorLinear(
+      const ICalibrationConstantsFunctionalPtr& functional,
+      const ICalibrationConstantsPhysicalLinearPtr& physical) const override {
+    familyOf<ICalibrationConstantsFunctionalLinear>(functional, "createTransformatorLinear",
+                                                    "ICalibrationConstantsFunctionalLinear");
+    return make<CalibrationTransformatorLinear>(functional, physical);
+  }
+
+  ICalibrationTransformatorPtr createTransformatorVega(
+      const std::vector<double>& numbers) const override {
+    // The VEGA polynomial is not made by this library.
+    LUMO_THROW(std::runtime_error(
+        "CalibrationTransformatorFactory::createTransformatorVega: can't create vegaPolynomial"));
+  }
+
+  ICalibrationTransformatorPtr createTransformatorVega2(
+      const std::vector<double>& numbers) const override {
+    LUMO_THROW(std::runtime_error(
+        "CalibrationTransformatorFactory::createTransformatorVega2: can't create vega2Polynomial"));
+  }
+
+  ICalibrationTransformatorPtr createDecoratedTransformator(
+      const ICalibrationTransformatorPtr& transformator,
+      const ICalibrationTransformatorPtr& decorator) const override {
+    if (transformator) {
+      if (const auto raw =
+              boost::dynamic_pointer_cast<ICalibrationTransformatorRawBoundsChecker>(decorator)) {
+        return boost::make_shared<CalibrationTransformatorRawBoundsChecker>(
+            transformator, raw->GetLower(), raw->GetUpper());
+      }
+      if (const auto index =
+              boost::dynamic_pointer_cast<ICalibrationTransformatorIndexBoundsChecker>(decorator)) {
+        return boost::make_shared<CalibrationTransformatorIndexBoundsChecker>(
+            transformator, index->GetLower(), index->GetUpper());
+      }
+      if (const auto zrk = boost::dynamic_pointer_cast<ICalibrationTransformatorZRK>(decorator)) {
+        const auto made =
+            boost::make_shared<CalibrationTransformatorZRK>(transformator, zrk->GetPolynomial());
+        made->SetUseCorrection(zrk->GetUseCorrection());
+        made->SetMinimumSearchWidth(zrk->GetMinimumSearchWidth());
+        return made;
+      }
+    }
+    LUMO_THROW(
+        std::invalid_argument("CalibrationTransformatorFactory::createDecoratedTransformator: "
+                              "invalid transformator: type "
+                              "unknown"));
+  }
+
+  ICalibrationConstantsFunctionalPtr createConstantsFunctionalIcr(int calibMode, int ftmsRawMode,
+                                                                  int version, bool withAlpha,
+                                                                  double alpha, double beta,
+                                                                  double freqHigh) const override {
+    switch (calibMode) {
+      case 0:
+      case 4:
+        return boost::make_shared<Constants::CalibrationConstantsFunctionalFTMS04>(
+            beta, freqHigh, ftmsRawMode, calibMode);
+      case 1:
+      case 3:
+      case 5:
+      case 6:
+        return boost::make_shared<Constants::CalibrationConstantsFunctionalFTMS1356>(
+            withAlpha ? alpha : 0.0, beta, freqHigh, ftmsRawMode, calibMode);
+      case 2:
+        LUMO_THROW(std::invalid_argument(
+            "CalibrationTransformatorFactory::createConstantsFunctionalIcr: mode 2 not supported "
+            "[WT]"));
+      default:
+        LUMO_THROW(std::runtime_error("unknown icr mode in serialization"));
+    }
+  }
+};
+
+const ICalibrationTransformatorFactory& transformatorFactory() {
   static const CalibrationTransformatorFactory factory;
   return factory;
-}
-
-ICalibrationTransformatorPtr CalibrationTransformatorFactory::createTransformator(
-    const ICalibrationConstantsFunctionalPtr& functional,
-    const ICalibrationConstantsPhysicalPtr& physical) const {
-  if (is<ICalibrationConstantsFunctionalTOF2>(functional)) {
-    return createTransformatorTof2(functional,
-                                   physicalOf<ICalibrationConstantsPhysicalTOF>(physical));
-  }
-  if (is<ICalibrationConstantsFunctionalTOF1>(functional)) {
-    return createTransformatorTof(functional,
-                                  physicalOf<ICalibrationConstantsPhysicalTOF>(physical));
-  }
-  if (is<ICalibrationConstantsFunctionalFTMS>(functional)) {
-    return createTransformatorIcr(functional,
-                                  physicalOf<ICalibrationConstantsPhysicalFTMS>(physical));
-  }
-  if (is<ICalibrationConstantsFunctionalHalyard>(functional)) {
-    return createTransformatorTrap(functional,
-                                   physicalOf<ICalibrationConstantsPhysicalHalyard>(physical));
-  }
-  if (is<ICalibrationConstantsFunctionalLinear>(functional)) {
-    return createTransformatorLinear(functional,
-                                     physicalOf<ICalibrationConstantsPhysicalLinear>(physical));
-  }
-  LUMO_THROW(std::invalid_argument(
-      "CalibrationTransformatorFactory::createTransformator: invalid transformator: type unknown"));
-}
-
-ICalibrationTransformatorPtr CalibrationTransformatorFactory::createTransformatorTof(
-    const ICalibrationConstantsFunctionalPtr& functional,
-    const ICalibrationConstantsPhysicalTOFPtr& physical) const {
-  const ICalibrationConstantsFunctionalTOF1Ptr tof1 = familyOf<ICalibrationConstantsFunctionalTOF1>(
-      functional, "createTransformatorTof", "ICalibrationConstantsFunctionalTOF1");
-  if (tof1->GetC2() == 0.0) return make<CalibrationTransformatorTOFLinear>(functional, physical);
-  return make<CalibrationTransformatorTOFQuadratic>(functional, physical);
-}
-
-ICalibrationTransformatorPtr CalibrationTransformatorFactory::createTransformatorTof2(
-    const ICalibrationConstantsFunctionalPtr& functional,
-    const ICalibrationConstantsPhysicalTOFPtr& physical) const {
-  const ICalibrationConstantsFunctionalTOF2Ptr tof2 = familyOf<ICalibrationConstantsFunctionalTOF2>(
-      functional, "createTransformatorTof2", "ICalibrationConstantsFunctionalTOF2");
-  if (tof2->GetDm() != 0.0 || tof2->GetC3() != 0.0) {
-    return make<CalibrationTransformatorTOF2Cubic>(functional, physical);
-  }
-  if (tof2->GetC2() != 0.0)
-    return make<CalibrationTransformatorTOF2Quadratic>(functional, physical);
-  return make<CalibrationTransformatorTOF2Linear>(functional, physical);
-}
-
-ICalibrationTransformatorPtr CalibrationTransformatorFactory::createTransformatorTrap(
-    const ICalibrationConstantsFunctionalPtr& functional,
-    const ICalibrationConstantsPhysicalHalyardPtr& physical) const {
-  const ICalibrationConstantsFunctionalHalyardPtr halyard =
-      familyOf<ICalibrationConstantsFunctionalHalyard>(functional, "createTransformatorTrap",
-                                                       "ICalibrationConstantsFunctionalHalyard");
-  if (halyard->GetA1() * 1e-9 >= std::fabs(halyard->GetC2())) {
-    return make<CalibrationTransformatorHalyardLinear>(functional, physical);
-  }
-  return make<CalibrationTransformatorHalyardQuadratic>(functional, physical);
-}
-
-ICalibrationTransformatorPtr CalibrationTransformatorFactory::createTransformatorIcr(
-    const ICalibrationConstantsFunctionalPtr& functional,
-    const ICalibrationConstantsPhysicalFTMSPtr& physical) const {
-  const ICalibrationConstantsFunctionalFTMSPtr ftms =
-      boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalFTMS>(functional);
-  if (!ftms) {
-    LUMO_THROW(std::invalid_argument(
-        "lumo::calibration::Transformation::CalibrationTransformatorFactory::"
-        "createTransformatorIcr: expected ICalibrationConstantsFunctionalFTMS"));
-  }
-  const int mode = ftms->GetCalibMode();
-  switch (mode) {
-    case 0:
-    case 4:
-      return make<CalibrationTransformatorFTMS04>(functional, physical);
-    case 1:
-    case 5:
-      return make<CalibrationTransformatorFTMS15>(functional, physical);
-    case 2:
-      LUMO_THROW(std::invalid_argument(
-          "CalibrationTransformatorFactory::createTransformatorIcr: mode 2 not supported [WT]"));
-    case 3:
-    case 6:
-      LUMO_THROW(std::invalid_argument(
-          "CalibrationTransformatorFactory::createTransformatorIcr: mode 3 and 6 not supported "
-          "[WT]"));
-    default:
-      LUMO_THROW(std::runtime_error(
-          "CalibrationTransformatorFactory::createTransformatorIcr: unknown ftms mode. Expected "
-          "0..6, but CalibMode = " +
-          std::to_string(mode)));
-  }
-}
-
-ICalibrationTransformatorPtr CalibrationTransformatorFactory::createTransformatorLinear(
-    const ICalibrationConstantsFunctionalPtr& functional,
-    const ICalibrationConstantsPhysicalLinearPtr& physical) const {
-  familyOf<ICalibrationConstantsFunctionalLinear>(functional, "createTransformatorLinear",
-                                                  "ICalibrationConstantsFunctionalLinear");
-  return make<CalibrationTransformatorLinear>(functional, physical);
-}
-
-ICalibrationTransformatorPtr CalibrationTransformatorFactory::createTransformatorVega(
-    const std::vector<double>& numbers) const {
-  // The VEGA polynomial is not made by this library.
-  LUMO_THROW(std::runtime_error(
-      "CalibrationTransformatorFactory::createTransformatorVega: can't create vegaPolynomial"));
-}
-
-ICalibrationTransformatorPtr CalibrationTransformatorFactory::createTransformatorVega2(
-    const std::vector<double>& numbers) const {
-  LUMO_THROW(std::runtime_error(
-      "CalibrationTransformatorFactory::createTransformatorVega2: can't create vega2Polynomial"));
-}
-
-ICalibrationTransformatorPtr CalibrationTransformatorFactory::createDecoratedTransformator(
-    const ICalibrationTransformatorPtr& transformator,
-    const ICalibrationTransformatorPtr& decorator) const {
-  LUMO_THROW(std::invalid_argument(
-      "CalibrationTransformatorFactory::createDecoratedTransformator: invalid transformator: type "
-      "unknown"));
-}
-
-ICalibrationConstantsFunctionalPtr CalibrationTransformatorFactory::createConstantsFunctionalIcr(
-    int calibMode, int ftmsRawMode, int version, bool withAlpha, double alpha, double beta,
-    double freqHigh) const {
-  switch (calibMode) {
-    case 0:
-    case 4:
-      return boost::make_shared<Constants::CalibrationConstantsFunctionalFTMS04>(
-          beta, freqHigh, ftmsRawMode, calibMode);
-    case 1:
-    case 3:
-    case 5:
-    case 6:
-      return boost::make_shared<Constants::CalibrationConstantsFunctionalFTMS1356>(
-          withAlpha ? alpha : 0.0, beta, freqHigh, ftmsRawMode, calibMode);
-    case 2:
-      LUMO_THROW(std::invalid_argument(
-          "CalibrationTransformatorFactory::createConstantsFunctionalIcr: mode 2 not supported "
-          "[WT]"));
-    default:
-      LUMO_THROW(std::runtime_error("unknown icr mode in serialization"));
-  }
 }
 
 }  // namespace Transformation

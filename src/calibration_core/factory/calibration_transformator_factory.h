@@ -4,10 +4,9 @@
 // a threshold relative to the slope for the ion trap, the calibration mode
 // for FTMS.
 //
-// One stateless factory serves the whole process:
-// CalibrationTransformatorFactory::Instance(). Thread-safe: any thread may
-// call it. Every failure creates no object; the failures carry their
-// location and stack trace.
+// One stateless factory, CalibrationTransformatorFactory, serves the whole
+// process: transformatorFactory(). Thread-safe: any thread may call it. Every failure creates no
+// object; the failures carry their location and stack trace.
 #ifndef KORA_CALIBRATION_CORE_FACTORY_CALIBRATION_TRANSFORMATOR_FACTORY_H_
 #define KORA_CALIBRATION_CORE_FACTORY_CALIBRATION_TRANSFORMATOR_FACTORY_H_
 
@@ -61,9 +60,10 @@ class ICalibrationTransformatorFactory {
   virtual ICalibrationTransformatorPtr createTransformatorVega2(
       const std::vector<double>& numbers) const = 0;
   // A decorator of the same kind as `decorator` (raw bounds checker, index
-  // bounds checker or ZRK correction, with its bounds or polynomial and
-  // settings) around a clone of `transformator`. Throws
-  // std::invalid_argument for any other kind of `decorator`.
+  // bounds checker or ZRK correction, with its bounds, or its polynomial, use
+  // flag and search width) around a clone of `transformator`. Throws
+  // std::invalid_argument for any other kind of `decorator` and an empty
+  // `transformator`.
   virtual ICalibrationTransformatorPtr createDecoratedTransformator(
       const ICalibrationTransformatorPtr& transformator,
       const ICalibrationTransformatorPtr& decorator) const = 0;
@@ -76,41 +76,8 @@ class ICalibrationTransformatorFactory {
       double freqHigh) const = 0;
 };
 
-class CalibrationTransformatorFactory final : public ICalibrationTransformatorFactory {
- public:
-  // The one factory of the process.
-  static const ICalibrationTransformatorFactory& Instance();
-
-  ICalibrationTransformatorPtr createTransformator(
-      const ICalibrationConstantsFunctionalPtr& functional,
-      const ICalibrationConstantsPhysicalPtr& physical) const override;
-  ICalibrationTransformatorPtr createTransformatorTof(
-      const ICalibrationConstantsFunctionalPtr& functional,
-      const ICalibrationConstantsPhysicalTOFPtr& physical) const override;
-  ICalibrationTransformatorPtr createTransformatorTof2(
-      const ICalibrationConstantsFunctionalPtr& functional,
-      const ICalibrationConstantsPhysicalTOFPtr& physical) const override;
-  ICalibrationTransformatorPtr createTransformatorTrap(
-      const ICalibrationConstantsFunctionalPtr& functional,
-      const ICalibrationConstantsPhysicalHalyardPtr& physical) const override;
-  ICalibrationTransformatorPtr createTransformatorIcr(
-      const ICalibrationConstantsFunctionalPtr& functional,
-      const ICalibrationConstantsPhysicalFTMSPtr& physical) const override;
-  ICalibrationTransformatorPtr createTransformatorLinear(
-      const ICalibrationConstantsFunctionalPtr& functional,
-      const ICalibrationConstantsPhysicalLinearPtr& physical) const override;
-  ICalibrationTransformatorPtr createTransformatorVega(
-      const std::vector<double>& numbers) const override;
-  ICalibrationTransformatorPtr createTransformatorVega2(
-      const std::vector<double>& numbers) const override;
-  ICalibrationTransformatorPtr createDecoratedTransformator(
-      const ICalibrationTransformatorPtr& transformator,
-      const ICalibrationTransformatorPtr& decorator) const override;
-  ICalibrationConstantsFunctionalPtr createConstantsFunctionalIcr(int calibMode, int ftmsRawMode,
-                                                                  int version, bool withAlpha,
-                                                                  double alpha, double beta,
-                                                                  double freqHigh) const override;
-};
+// The one factory of the process, a CalibrationTransformatorFactory.
+const ICalibrationTransformatorFactory& transformatorFactory();
 
 }  // namespace Transformation
 }  // namespace calibration

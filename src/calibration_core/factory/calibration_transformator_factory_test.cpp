@@ -7,10 +7,14 @@
 #include <string>
 #include <typeinfo>
 
+#include "calibration_core/decorators/calibration_transformator_index_bounds_checker.h"
+#include "calibration_core/decorators/calibration_transformator_raw_bounds_checker.h"
 #include "calibration_core/ftms/calibration_transformator_ftms.h"
 #include "calibration_core/halyard/calibration_transformator_halyard.h"
 #include "calibration_core/linear/calibration_transformator_linear.h"
 #include "calibration_core/testing/test_models.h"
+#include "calibration_core/zrk/calibration_polynomial_zrk.h"
+#include "calibration_core/zrk/calibration_transformator_zrk.h"
 
 namespace lumo {
 namespace calibration {
@@ -29,19 +33,13 @@ using testing::tof1;
 using testing::tof2;
 using testing::transient;
 
-const ICalibrationTransformatorFactory& factory() {
-  return CalibrationTransformatorFactory::Instance();
-}
+const ICalibrationTransformatorFactory& factory() { return transformatorFactory(); }
 
 // The concrete model the factory makes of the pair.
 std::string made(const ICalibrationConstantsFunctionalPtr& functional,
                  const ICalibrationConstantsPhysicalPtr& physical = digitizer()) {
   const ICalibrationTransformatorPtr t = factory().createTransformator(functional, physical);
   return t->DumpData().substr(0, t->DumpData().find('['));
-}
-
-TEST(TransformatorFactory, IsOneObjectForTheProcess) {
-  EXPECT_EQ(&factory(), &CalibrationTransformatorFactory::Instance());
 }
 
 TEST(TransformatorFactory, Tof1ChoosesLinearOnlyForAnExactZeroC2) {
@@ -175,6 +173,57 @@ TEST(TransformatorFactory, VegaModelsCannotBeMade) {
   EXPECT_EQ(
       "CalibrationTransformatorFactory::createTransformatorVega2: can't create vega2Polynomial",
       thrownText<std::runtime_error>([] { factory().createTransformatorVega2({1.0}); }));
+}
+
+TEST(TransformatorFactory, DecoratesLikeTheGivenDecorator) {
+  const ICalibrationTransformatorPtr tof =
+      factory().createTransformator(tof1(0, 1000, 0), digitizer());
+  const ICalibrationTransformatorPtr other =
+      factory().createTransformator(tof1(9, 1000, 0), digitizer());
+
+  const auto raw = boost::dynamic_pointer_cast<ICalibrationTransformatorRawBoundsChecker>(
+      factory().createDecoratedTransformator(
+          tof, boost::make_shared<CalibrationTransformatorRawBoundsChecker>(other, 10.0, 20.0)));
+  ASSERT_TRUE(raw);
+  EXPECT_EQ(10.0, raw->GetLower());
+  EXPECT_EQ(20.0, raw->GetUpper());
+  EXPECT_TRUE(raw->GetBaseTransformator()->IsEqual(tof));
+  EXPECT_NE(tof, raw->GetBaseTransformator());
+
+  const auto index = boost::dynamic_pointer_cast<ICalibrationTransformatorIndexBoundsChecker>(
+      factory().createDecoratedTransformator(
+          tof, boost::make_shared<CalibrationTransformatorIndexBoundsChecker>(other, 0.0, 100.0)));
+  ASSERT_TRUE(index);
+  EXPECT_EQ(100.0, index->GetUpper());
+  EXPECT_TRUE(index->GetBaseTransformator()->IsEqual(tof));
+
+  const ICalibrationPolynomialZRKPtr polynomial =
+      boost::make_shared<CalibrationPolynomialZRK>(std::vector<double>{1e-3}, 0.0, 0.0, 100, 3000);
+  const auto given = boost::make_shared<CalibrationTransformatorZRK>(other, polynomial);
+  given->SetUseCorrection(false);
+  given->SetMinimumSearchWidth(4.5);
+  const auto zrk = boost::dynamic_pointer_cast<ICalibrationTransformatorZRK>(
+      factory().createDecoratedTransformator(tof, given));
+  ASSERT_TRUE(zrk);
+  EXPECT_TRUE(zrk->GetBaseTransformator()->IsEqual(tof));
+  EXPECT_TRUE(zrk->GetPolynomial()->IsEqual(*polynomial));
+  EXPECT_FALSE(zrk->GetUseCorrection());
+  EXPECT_EQ(4.5, zrk->GetMinimumSearchWidth());
+}
+
+TEST(TransformatorFactory, DecoratesOnlyWithADecorator) {
+  const ICalibrationTransformatorPtr tof =
+      factory().createTransformator(tof1(0, 1000, 0), digitizer());
+  const char* const unknown =
+      "CalibrationTransformatorFactory::createDecoratedTransformator: invalid transformator: type "
+      "unknown";
+  EXPECT_EQ(unknown, thrownText<std::invalid_argument>(
+                         [&] { factory().createDecoratedTransformator(tof, tof); }));
+  EXPECT_EQ(unknown, thrownText<std::invalid_argument>([&] {
+              factory().createDecoratedTransformator(
+                  ICalibrationTransformatorPtr(),
+                  boost::make_shared<CalibrationTransformatorRawBoundsChecker>(tof, 0.0, 1.0));
+            }));
 }
 
 TEST(TransformatorFactory, IcrConstantsByMode) {

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "calibration_core/factory/calibration_transformator_factory.h"
+#include "calibration_core/zrk/calibration_transformator_zrk.h"
 #include "sys/throw.h"
 
 namespace lumo {
@@ -17,10 +18,12 @@ boost::shared_ptr<ICalibrationTransformator> addTemperatureCompensationInfo(
           transformator->GetFunctionalConstants())) {
     LUMO_THROW(std::runtime_error("Already contains temp-comp info."));
   }
-  const boost::shared_ptr<const ICalibrationTransformator> base = transformator;
-  const bool zrk = false;
+  const boost::shared_ptr<const ICalibrationTransformatorZRK> zrk =
+      boost::dynamic_pointer_cast<const ICalibrationTransformatorZRK>(transformator);
+  const boost::shared_ptr<const ICalibrationTransformator> base =
+      zrk ? zrk->GetBaseTransformator() : transformator;
   const Transformation::ICalibrationTransformatorFactory& factory =
-      Transformation::CalibrationTransformatorFactory::Instance();
+      Transformation::transformatorFactory();
   switch (base->GetCalibrationType()) {
     case kCalibrationTypeTOF:
     case kCalibrationTypeTOFTemperatureCompensation: {
@@ -31,7 +34,11 @@ boost::shared_ptr<ICalibrationTransformator> addTemperatureCompensationInfo(
           boost::make_shared<Constants::CalibrationConstantsFunctionalTOF1TemperatureCompensation>(
               tof1->GetC0(), tof1->GetC1(), tof1->GetC2(), info.temperatures, info.factors,
               info.strategy);
-      return factory.createTransformator(compensated, base->GetPhysicalConstants());
+      if (!zrk) return factory.createTransformator(compensated, base->GetPhysicalConstants());
+      // The clone's base is its own model: the correction stays as it is.
+      const ICalibrationTransformatorZRKPtr copy = cloneAs(zrk);
+      copy->GetBaseTransformator()->SetFunctionalConstants(compensated);
+      return copy;
     }
     case kCalibrationTypeTOF2:
     case kCalibrationTypeTOF2TemperatureCompensation: {

@@ -11,6 +11,8 @@
 #include "calibration_core/halyard/calibration_transformator_halyard.h"
 #include "calibration_core/temperature/calibration_temperature_compensator.h"
 #include "calibration_core/testing/test_models.h"
+#include "calibration_core/zrk/calibration_polynomial_zrk.h"
+#include "calibration_core/zrk/calibration_transformator_zrk.h"
 
 namespace lumo {
 namespace calibration {
@@ -87,6 +89,33 @@ TEST(AddTemperatureCompensationInfo, Failures) {
                                                                    testing::rawMassAxis(0, 1));
   EXPECT_EQ("Non-supported strategy.", thrownText<std::runtime_error>([&] {
               addTemperatureCompensationInfo(trap, info({21}));
+            }));
+}
+
+ICalibrationTransformatorPtr zrkOver(const ICalibrationTransformatorPtr& base) {
+  return boost::make_shared<Transformation::CalibrationTransformatorZRK>(
+      base, boost::make_shared<Transformation::CalibrationPolynomialZRK>(Values{1e-3, 2e-6}, 0.0,
+                                                                         0.0, 100.0, 3000.0));
+}
+
+TEST(AddTemperatureCompensationInfo, ZrkOverTof1KeepsTheCorrection) {
+  const ICalibrationTransformatorPtr plain = zrkOver(tofQuadratic());
+  const auto with = boost::dynamic_pointer_cast<ICalibrationTransformatorZRK>(
+      addTemperatureCompensationInfo(plain, info({21, 33})));
+  ASSERT_TRUE(with);
+  EXPECT_EQ(9, with->GetCalibrationType());
+  EXPECT_EQ("CalibrationTransformatorTOFQuadratic", className(with->GetBaseTransformator()));
+  EXPECT_EQ(Values({21, 33}), temperatureConstantsOf(with)->GetTemperatures());
+  EXPECT_EQ(plain->DIndexToMass(30000.0), with->DIndexToMass(30000.0));
+  EXPECT_EQ(1, plain->GetCalibrationType());
+  EXPECT_TRUE(plain->IsEqual(zrkOver(tofQuadratic())));
+}
+
+TEST(AddTemperatureCompensationInfo, ZrkOverTof2IsNotSupported) {
+  const ICalibrationTransformatorPtr plain =
+      zrkOver(model<CalibrationTransformatorTOF2Quadratic>(tof2(2000.0, 1000.0, 0.01, 0.0, 0.0)));
+  EXPECT_EQ("TOF2+ZRK not supported.", thrownText<std::runtime_error>([&] {
+              addTemperatureCompensationInfo(plain, info({21}));
             }));
 }
 
