@@ -42,6 +42,18 @@ inline std::vector<lumo::writer::Scan> parseScans(const std::vector<uint32_t>& w
   return scans;
 }
 
+// The name of a test parameter that is a compression type: "PerScanLzf" for
+// 1, "PerFrameZstd" for 2.
+inline std::string compressionTypeName(const ::testing::TestParamInfo<int>& info) {
+  return info.param == 1 ? "PerScanLzf" : "PerFrameZstd";
+}
+
+// "Scan number out of range." in the words of compression type `type`.
+inline std::string scanOutOfRange(int type, uint32_t scan) {
+  return type == 1 ? "Scan number out of range."
+                   : "Scan number [" + std::to_string(scan) + "] out of range.";
+}
+
 class ApiAnalysis {
  public:
   // Writes `spec` and opens it.

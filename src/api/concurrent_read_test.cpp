@@ -36,10 +36,7 @@ Words readFrame(uint64_t handle, int64_t frame) {
 class ConcurrentReads : public ::testing::TestWithParam<int> {};
 
 INSTANTIATE_TEST_SUITE_P(BothForms, ConcurrentReads, ::testing::Values(1, 2),
-                         [](const ::testing::TestParamInfo<int>& info) {
-                           return info.param == 1 ? std::string("PerScanLzf")
-                                                  : std::string("PerFrameZstd");
-                         });
+                         kora_testing::compressionTypeName);
 
 TEST_P(ConcurrentReads, EightThreadsOnTheirOwnHandlesReadWhatOneThreadReads) {
   lumo::writer::GeneratorOptions options;

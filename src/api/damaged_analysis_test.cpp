@@ -18,6 +18,7 @@ namespace {
 
 using kora_testing::ApiAnalysis;
 using kora_testing::lastError;
+using kora_testing::scanOutOfRange;
 using lumo::writer::AnalysisSpec;
 using lumo::writer::FrameBlock;
 using lumo::writer::FrameRow;
@@ -34,12 +35,6 @@ AnalysisSpec threeFrames(int type) {
   options.scansPerFrame = kScans;
   options.meanPeaksPerScan = 40;
   return lumo::writer::generateAnalysis(options, 3, type);
-}
-
-// "Scan number out of range." in the words of compression type `type`.
-std::string scanOutOfRange(int type, uint32_t scan) {
-  return type == 1 ? "Scan number out of range."
-                   : "Scan number [" + std::to_string(scan) + "] out of range.";
 }
 
 // The file offset of the content size field of the Zstandard frame that
@@ -78,10 +73,7 @@ TEST(DamagedAnalysis, ZstdHeaderDeclaringFourGigabytesFailsWithoutTouchingThem) 
 class DamagedAnalysisBothForms : public ::testing::TestWithParam<int> {};
 
 INSTANTIATE_TEST_SUITE_P(BothForms, DamagedAnalysisBothForms, ::testing::Values(1, 2),
-                         [](const ::testing::TestParamInfo<int>& info) {
-                           return info.param == 1 ? std::string("PerScanLzf")
-                                                  : std::string("PerFrameZstd");
-                         });
+                         kora_testing::compressionTypeName);
 
 TEST_P(DamagedAnalysisBothForms, AccumulationTimeOf1eMinus320SaturatesInsteadOfZeroingTheFrame) {
   AnalysisSpec spec = AnalysisSpec::make(3, GetParam());

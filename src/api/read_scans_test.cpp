@@ -38,16 +38,12 @@ class ReadScans : public ::testing::TestWithParam<int> {
   }
   // "Scan number out of range." in the words of the form.
   std::string scanOutOfRange(uint32_t scan) const {
-    return type() == 1 ? "Scan number out of range."
-                       : "Scan number [" + std::to_string(scan) + "] out of range.";
+    return kora_testing::scanOutOfRange(type(), scan);
   }
 };
 
 INSTANTIATE_TEST_SUITE_P(BothForms, ReadScans, ::testing::Values(1, 2),
-                         [](const ::testing::TestParamInfo<int>& info) {
-                           return info.param == 1 ? std::string("PerScanLzf")
-                                                  : std::string("PerFrameZstd");
-                         });
+                         kora_testing::compressionTypeName);
 
 TEST_P(ReadScans, WriterAnalysesReadBackPeakForPeak) {
   lumo::writer::GeneratorOptions options;
