@@ -6,6 +6,9 @@
 // same scalar formula written out here. At the end a table gives values/s
 // and the ratios library(1 thread) / plain loop and
 // library(1 thread) / library(2 threads), all measured in this run.
+// DIndexToMass of the TOF quadratic model under a ZRK correction is set
+// against the plain model, on 1 and 2 threads: time ZRK / time plain model
+// on 1 thread, and ZRK on 1 thread / ZRK on 2 threads.
 //
 // Flags: the usual --benchmark_* flags.
 #include <benchmark/benchmark.h>
@@ -23,6 +26,8 @@
 #include "calibration_core/constants/calibration_constants_physical.h"
 #include "calibration_core/tof/calibration_transformator_tof.h"
 #include "calibration_core/tof2/calibration_transformator_tof2_cubic.h"
+#include "calibration_core/zrk/calibration_polynomial_zrk.h"
+#include "calibration_core/zrk/calibration_transformator_zrk.h"
 
 namespace {
 
@@ -76,6 +81,16 @@ const CalibrationTransformatorTOF2Cubic& cubic() {
   static const CalibrationTransformatorTOF2Cubic m(
       boost::make_shared<Constants::CalibrationConstantsFunctionalTOF2>(kC0, kC1, kC2, kC3, kDm),
       digitizer());
+  return m;
+}
+
+// The quadratic model under a ZRK correction that covers every mass of the
+// batch (about 0.4 to 50000): a few ppm, at most 0.05 mass units.
+const CalibrationTransformatorZRK& zrkQuadratic() {
+  static const CalibrationTransformatorZRK m(
+      boost::dynamic_pointer_cast<ICalibrationTransformator>(quadratic().Clone()),
+      boost::make_shared<CalibrationPolynomialZRK>(std::vector<double>{1e-3, 2e-6, -2e-11}, kC2,
+                                                   kC0, 0.1, 60000.0));
   return m;
 }
 
@@ -180,6 +195,9 @@ void BM_TOFQuadratic_DIndexToMass_Plain(benchmark::State& s) {
   plainLoop<quadraticDIndexToMass>(s, dindexes());
 }
 void BM_TOFQuadratic_DIndexToMass(benchmark::State& s) { libraryDIndexToMass(s, quadratic()); }
+void BM_ZRKTOFQuadratic_DIndexToMass(benchmark::State& s) {
+  libraryDIndexToMass(s, zrkQuadratic());
+}
 void BM_TOFQuadratic_MassToDIndex_Plain(benchmark::State& s) {
   plainLoop<quadraticMassToDIndex>(s, masses());
 }
@@ -202,6 +220,12 @@ BENCHMARK(BM_TOFQuadratic_DIndexToMass_Plain)
     ->Repetitions(kRepetitions)
     ->UseRealTime();
 BENCHMARK(BM_TOFQuadratic_DIndexToMass)
+    ->Arg(1)
+    ->Arg(2)
+    ->MinTime(kMinTime)
+    ->Repetitions(kRepetitions)
+    ->UseRealTime();
+BENCHMARK(BM_ZRKTOFQuadratic_DIndexToMass)
     ->Arg(1)
     ->Arg(2)
     ->MinTime(kMinTime)
@@ -269,6 +293,17 @@ class RatioReporter : public benchmark::ConsoleReporter {
     }
   }
 
+  // ZRK over the TOF quadratic model against the model alone.
+  void PrintZrkTable() const {
+    std::printf("\n%-28s %12s %12s %12s %12s\n", "ZRK correction", "1 thread v/s", "2 threads v/s",
+                "1t zrk/model", "1t/2t zrk");
+    const double one = lookup("BM_TOFQuadratic_DIndexToMass/1/");
+    const double zrkOne = lookup("BM_ZRKTOFQuadratic_DIndexToMass/1/");
+    const double zrkTwo = lookup("BM_ZRKTOFQuadratic_DIndexToMass/2/");
+    std::printf("%-28s %12.3g %12.3g %12.3f %12.3f\n", "TOFQuadratic_DIndexToMass", 1.0 / zrkOne,
+                1.0 / zrkTwo, zrkOne / one, zrkOne / zrkTwo);
+  }
+
  private:
   double lookup(const std::string& prefix) const {
     for (const auto& entry : seconds_) {
@@ -287,6 +322,7 @@ int main(int argc, char** argv) {
   RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   reporter.PrintTable();
+  reporter.PrintZrkTable();
   benchmark::Shutdown();
   return 0;
 }
