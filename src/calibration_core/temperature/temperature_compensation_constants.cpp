@@ -16,13 +16,6 @@ void writeList(std::ostream& os, const std::vector<double>& values) {
   for (size_t i = 0; i < values.size(); ++i) os << (i ? ", " : "") << values[i];
 }
 
-// 1 with one measured temperature, 3 with more. Throws std::runtime_error
-// with `emptyText` without any.
-int adaptedMode(const std::vector<double>& measured, const char* emptyText) {
-  if (measured.empty()) LUMO_THROW(std::runtime_error(emptyText));
-  return measured.size() == 1 ? 1 : 3;
-}
-
 }  // namespace
 
 namespace detail {
@@ -37,6 +30,28 @@ std::string TemperatureCompensated<Derived, Family, kCalibrationType>::DumpCompe
   writeList(os, factors_);
   os << ")\n" << Family::Dump() << " ]";
   return os.str();
+}
+
+template <class Derived, class Family, int kCalibrationType>
+bool TemperatureCompensated<Derived, Family, kCalibrationType>::StartAdaptation(
+    const char* emptyText, const std::vector<double>& referenceTemperatures,
+    const std::vector<double>& temperatureFactors) {
+  if (measTemp_.empty()) LUMO_THROW(std::runtime_error(emptyText));
+  mode_ = measTemp_.size() == 1 ? 1 : 3;
+  return referenceTemperatures.size() == measTemp_.size() &&
+         temperatureFactors.size() == measTemp_.size();
+}
+
+template <class Derived, class Family, int kCalibrationType>
+double TemperatureCompensated<Derived, Family, kCalibrationType>::AdaptQuadratic(
+    const ICalibrationConstantsFunctionalComputationQuadratic& reference,
+    const std::vector<double>& referenceTemperatures,
+    const std::vector<double>& temperatureFactors) {
+  const double s = ScaleFrom(referenceTemperatures, temperatureFactors);
+  this->SetC0(reference.GetC0());
+  this->SetA1(reference.GetA1() / s);
+  this->SetC2(reference.GetC2() / s);
+  return s;
 }
 
 template <class Derived, class Family, int kCalibrationType>
@@ -70,16 +85,11 @@ void CalibrationConstantsFunctionalTOF1TemperatureCompensation::AdaptToReference
                               "::AdaptToReference: referenceConstants is not of type "
                               "ICalibrationConstantsFunctionalTOF1"));
   }
-  mode_ =
-      adaptedMode(measTemp_,
-                  "CalibrationConstantsFunctionalTOF1TemperatureCompensation::AdaptToReference: "
-                  "empty temperatures vector");
-  const size_t n = measTemp_.size();
-  if (referenceTemperatures.size() != n || temperatureFactors.size() != n) return;
-  const double s = ScaleFrom(referenceTemperatures, temperatureFactors);
-  SetC0(reference->GetC0());
-  SetA1(reference->GetA1() / s);
-  SetC2(reference->GetC2() / s);
+  if (StartAdaptation("CalibrationConstantsFunctionalTOF1TemperatureCompensation::"
+                      "AdaptToReference: empty temperatures vector",
+                      referenceTemperatures, temperatureFactors)) {
+    AdaptQuadratic(*reference, referenceTemperatures, temperatureFactors);
+  }
 }
 
 std::string CalibrationConstantsFunctionalTOF2TemperatureCompensation::Dump() const {
@@ -104,23 +114,17 @@ void CalibrationConstantsFunctionalTOF2TemperatureCompensation::AdaptToReference
         "CalibrationConstantsFunctionalTOF2TemperatureCompensation"
         "::AdaptToReference:  is not of type ICalibrationConstantsFunctionalTOF1"));
   }
-  mode_ =
-      adaptedMode(measTemp_,
-                  "CalibrationConstantsFunctionalTOF2TemperatureCompensation::AdaptToReference: "
-                  "Temperature vector is empty.");
-  const size_t n = measTemp_.size();
-  if (referenceTemperatures.size() != n || temperatureFactors.size() != n) {
+  if (!StartAdaptation("CalibrationConstantsFunctionalTOF2TemperatureCompensation::"
+                       "AdaptToReference: Temperature vector is empty.",
+                       referenceTemperatures, temperatureFactors)) {
     LUMO_THROW(std::invalid_argument(
         "CalibrationConstantsFunctionalTOF2TemperatureCompensation::AdaptToReference: Parameter "
         "vectors have inappropriate size: \t\t\t\t\tm_measTemp.size() = " +
-        std::to_string(n) +
+        std::to_string(measTemp_.size()) +
         ", referenceTemperatures.size() = " + std::to_string(referenceTemperatures.size()) +
         ", temperatureFactors.size() = " + std::to_string(temperatureFactors.size())));
   }
-  const double s = ScaleFrom(referenceTemperatures, temperatureFactors);
-  SetC0(reference->GetC0());
-  SetA1(reference->GetA1() / s);
-  SetC2(reference->GetC2() / s);
+  const double s = AdaptQuadratic(*reference, referenceTemperatures, temperatureFactors);
   SetC3(tof2 ? tof2->GetC3() / s : 0.0);
   SetDm(tof2 ? tof2->GetDm() : 0.0);
 }

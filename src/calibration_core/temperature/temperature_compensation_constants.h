@@ -105,6 +105,16 @@ class TemperatureCompensated
   // temperatures and the factors, then the family's own dump.
   std::string DumpCompensation(const char* head, const char* afterMode) const;
 
+  // Sets the mode for the measured temperatures (1 for one, 3 for more) and
+  // tells whether both vectors have as many entries. Throws
+  // std::runtime_error with `emptyText` without measured temperatures.
+  bool StartAdaptation(const char* emptyText, const std::vector<double>& referenceTemperatures,
+                       const std::vector<double>& temperatureFactors);
+  // Takes c0, a1 / s and c2 / s of `reference` and returns s.
+  // REQUIRES: StartAdaptation returned true.
+  double AdaptQuadratic(const ICalibrationConstantsFunctionalComputationQuadratic& reference,
+                        const std::vector<double>& referenceTemperatures,
+                        const std::vector<double>& temperatureFactors);
   // The factor s of the adaptation from `referenceTemperatures`; the three
   // vectors have equal sizes.
   double ScaleFrom(const std::vector<double>& referenceTemperatures,
