@@ -20,6 +20,11 @@
  *    per thread.
  *  - Frame ids are the Id column of the analysis's Frames table; scans are
  *    numbered from 0 and `scan_end` is exclusive.
+ *  - Conversion functions turn `cnt` values of one frame, `in[0..cnt)`, into
+ *    `out[0..cnt)` by that frame's calibration; `in` and `out` may be the
+ *    same array. They return 1, or 0 on failure. With `cnt` 0 they return 1
+ *    at once and look nothing up. Units: m/z in Th (thomson), 1/K0 in
+ *    V·s/cm², voltages in V; indices and scan numbers may be fractional.
  *  - Damaged analyses: a read that fails on the frame file itself (a frame
  *    cut off at the end of the file, a seek that fails) leaves the handle's
  *    file stream failed, so later reads of any frame on that handle may keep
@@ -82,6 +87,36 @@ KORA_EXPORT uint32_t kora_read_scans_v2(uint64_t handle, int64_t frame_id, uint3
 KORA_EXPORT uint32_t kora_read_scans_internal(uint64_t handle, int64_t frame_id,
                                               uint32_t scan_begin, uint32_t scan_end, void* buf,
                                               uint32_t len);
+
+/* Time-of-flight indices to m/z, by the frame's mass calibration: the
+ * analysis's own, adapted to the frame's temperatures, or that of the
+ * recalibration state chosen by kora_open. Fails e.g. with "No m/z trafo
+ * available." when the frame's calibration row is missing, or for a frame
+ * that does not exist. */
+KORA_EXPORT uint32_t kora_index_to_mz(uint64_t handle, int64_t frame_id, const double* in,
+                                      double* out, uint32_t cnt);
+
+/* m/z to time-of-flight indices; the inverse of kora_index_to_mz. */
+KORA_EXPORT uint32_t kora_mz_to_index(uint64_t handle, int64_t frame_id, const double* in,
+                                      double* out, uint32_t cnt);
+
+/* Scan numbers to 1/K0, by the frame's mobility calibration (its voltage
+ * ramp and the law between voltage and mobility). Fails e.g. with "No
+ * mobility trafo available." when the frame's calibration row is missing. */
+KORA_EXPORT uint32_t kora_scannum_to_oneoverk0(uint64_t handle, int64_t frame_id,
+                                               const double* in, double* out, uint32_t cnt);
+
+/* 1/K0 to scan numbers; the inverse of kora_scannum_to_oneoverk0. */
+KORA_EXPORT uint32_t kora_oneoverk0_to_scannum(uint64_t handle, int64_t frame_id,
+                                               const double* in, double* out, uint32_t cnt);
+
+/* Scan numbers to the ramp voltage of the frame's mobility calibration. */
+KORA_EXPORT uint32_t kora_scannum_to_voltage(uint64_t handle, int64_t frame_id, const double* in,
+                                             double* out, uint32_t cnt);
+
+/* Ramp voltages to scan numbers; the inverse of kora_scannum_to_voltage. */
+KORA_EXPORT uint32_t kora_voltage_to_scannum(uint64_t handle, int64_t frame_id, const double* in,
+                                             double* out, uint32_t cnt);
 
 /* Always returns 0, whatever the handle and however it was opened. */
 KORA_EXPORT uint32_t kora_has_recalibrated_state(uint64_t handle);

@@ -7,13 +7,19 @@ namespace writer {
 
 namespace {
 
+// Ids, model numbers and flags are declared INTEGER, as in the store's own
+// schema: the reader compares them with quoted numbers (CalibrationState='2'),
+// which only an INTEGER column converts. Every other column is untyped, so
+// that a cell keeps the storage class it was given.
+const char kKey[] = "INTEGER";
+
 // A calibration table: Id, ModelType, CalibrationState, the named columns,
 // then C0 .. with at least `coefficients` columns and as many as the longest
 // row of any state needs.
 Table calibrationTable(const std::string& name, const std::vector<std::string>& named,
                        unsigned int coefficients, const std::vector<CalibrationStateSpec>& states,
                        std::vector<Row> CalibrationStateSpec::*rows) {
-  Table t{name, {{"Id", ""}, {"ModelType", ""}, {"CalibrationState", ""}}, {}};
+  Table t{name, {{"Id", kKey}, {"ModelType", kKey}, {"CalibrationState", kKey}}, {}};
   for (const std::string& column : named) t.columns.push_back({column, ""});
   size_t needed = coefficients;
   for (const CalibrationStateSpec& state : states) {
@@ -38,7 +44,7 @@ Table calibrationTable(const std::string& name, const std::vector<std::string>& 
 Table mappingTable(const std::string& name, const std::string& target,
                    const std::vector<CalibrationStateSpec>& states,
                    std::vector<std::pair<int64_t, int64_t>> CalibrationStateSpec::*mapping) {
-  Table t{name, {{"CalibrationState", ""}, {"FrameId", ""}, {target, ""}}, {}};
+  Table t{name, {{"CalibrationState", kKey}, {"FrameId", kKey}, {target, kKey}}, {}};
   for (const CalibrationStateSpec& state : states) {
     for (const auto& m : state.*mapping) t.rows.push_back({state.id, m.first, m.second});
   }
@@ -111,12 +117,12 @@ std::vector<Table> CalibrationStoreSpec::tables() const {
   all.push_back(metadataTable(metadata));
 
   Table stateTable{"CalibrationState",
-                   {{"Id", ""},
-                    {"Key", ""},
-                    {"Source", ""},
-                    {"HasFrameCalibrators", ""},
-                    {"PositiveReferenceCalibratorId", ""},
-                    {"NegativeReferenceCalibratorId", ""}},
+                   {{"Id", kKey},
+                    {"Key", "TEXT"},
+                    {"Source", "TEXT"},
+                    {"HasFrameCalibrators", kKey},
+                    {"PositiveReferenceCalibratorId", kKey},
+                    {"NegativeReferenceCalibratorId", kKey}},
                    {}};
   for (const CalibrationStateSpec& s : states) {
     stateTable.rows.push_back({s.id, s.key, s.source, s.hasFrameCalibrators,
@@ -137,7 +143,7 @@ std::vector<Table> CalibrationStoreSpec::tables() const {
                              &CalibrationStateSpec::mobilityMapping));
 
   Table digitizer{"DigitizerConstants",
-                  {{"CalibrationState", ""}, {"DigitizerTimebase", ""}, {"DigitizerDelay", ""}},
+                  {{"CalibrationState", kKey}, {"DigitizerTimebase", ""}, {"DigitizerDelay", ""}},
                   {}};
   for (const CalibrationStateSpec& s : states) {
     if (s.digitizer) digitizer.rows.push_back({s.id, s.digitizer->first, s.digitizer->second});

@@ -2,8 +2,10 @@
 // recalibration states of an analysis: its GlobalMetadata and, per state, the
 // CalibrationState row, the reference and per-frame m/z calibrations, the
 // mobility calibrations, the frame mappings and the digitizer constants.
-// Every cell is a SqlValue, so a test can store NULL or a wrong type; tables
-// can be left out and the metadata changed, for broken stores.
+// Every cell is a SqlValue, so a test can store NULL or a wrong type (ids,
+// model numbers and flags are declared INTEGER, as in the store's schema, so
+// a number given as text is stored as a number there); tables can be left
+// out and the metadata changed, for broken stores.
 //
 // Use: build a CalibrationStoreSpec, then
 //   analysis_spec.calibrationStore = store.tables();

@@ -14,9 +14,11 @@
 #include <boost/filesystem/path.hpp>
 #include <boost/noncopyable.hpp>
 #include <boost/optional.hpp>
+#include <boost/shared_ptr.hpp>
 #include <boost/thread/tss.hpp>
 #include <cassert>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -30,6 +32,8 @@
 
 namespace {
 
+using lumo::calibration::ICalibrationTransformator;
+using lumo::calibration::kora::ITransformator;
 using lumo::io::calibration::CalibrationStateSelector;
 using lumo::logging::Level;
 using lumo::logging::Logger;
@@ -56,6 +60,12 @@ struct PeakCollector {
   }
 };
 
+// What a conversion export asks of a frame's transformator: one batch of the
+// mass transformator, or one value of the mobility transformator.
+using MzOperation = void (ICalibrationTransformator::*)(const std::vector<double>&,
+                                                        std::vector<double>&) const;
+using MobOperation = double (ITransformator::*)(double) const;
+
 // An open analysis. Thread-compatible: one thread at a time.
 class Instance : boost::noncopyable {
  public:
@@ -77,9 +87,44 @@ class Instance : boost::noncopyable {
                          void* buf, unsigned int len,
                          lumo::io::kora::NormalizationType normalization);
 
+  // Converts in[0..cnt) into out[0..cnt) by `op` of the frame's mass
+  // transformator, as one batch. `in` may equal `out`. Does nothing, and
+  // cannot fail, when cnt is 0.
+  // Throws std::runtime_error "No m/z trafo available." when the frame's
+  // calibration row does not exist, and the failures of the reader and of
+  // the model.
+  void mzConversionFunc(int64_t frame_id, const double* in, double* out, uint32_t cnt,
+                        MzOperation op);
+  // out[i] = op(in[i]) of the frame's mobility transformator, in index
+  // order. `in` may equal `out`. Does nothing, and cannot fail, when cnt is 0.
+  // Throws std::runtime_error "No mobility trafo available." when the
+  // frame's calibration row does not exist, and the failures of the reader.
+  void mobConversionFunc(int64_t frame_id, const double* in, double* out, uint32_t cnt,
+                         MobOperation op);
+
   Logger logger;
   lumo::io::kora::OxaReader reader;
 };
+
+void Instance::mzConversionFunc(int64_t frame_id, const double* in, double* out, uint32_t cnt,
+                                MzOperation op) {
+  if (cnt == 0) return;
+  const boost::shared_ptr<ICalibrationTransformator> trafo = reader.getMzTrafo(frame_id, true);
+  if (!trafo) LUMO_THROW(std::runtime_error("No m/z trafo available."));
+  const std::vector<double> values(in, in + cnt);
+  std::vector<double> results;
+  ((*trafo).*op)(values, results);
+  assert(results.size() == cnt);
+  std::memcpy(out, results.data(), cnt * sizeof(double));
+}
+
+void Instance::mobConversionFunc(int64_t frame_id, const double* in, double* out, uint32_t cnt,
+                                 MobOperation op) {
+  if (cnt == 0) return;
+  const std::unique_ptr<ITransformator> trafo = reader.getMobTrafo(frame_id);
+  if (!trafo) LUMO_THROW(std::runtime_error("No mobility trafo available."));
+  for (uint32_t i = 0; i < cnt; ++i) out[i] = ((*trafo).*op)(in[i]);
+}
 
 unsigned int Instance::readScans(int64_t frame_id, unsigned int scan_begin, unsigned int scan_end,
                                  void* buf, unsigned int len,
@@ -135,6 +180,29 @@ void saveError(const std::exception& e) {
   std::string message = e.what();
   if (!last_error.get()) last_error.reset(new std::string);
   *last_error = std::move(message);
+}
+
+// The shape of the six conversion exports: 1, or 0 with the error kept.
+uint32_t convertMz(uint64_t handle, int64_t frame_id, const double* in, double* out,
+                   uint32_t cnt, MzOperation op) {
+  try {
+    toInstance(handle)->mzConversionFunc(frame_id, in, out, cnt, op);
+    return 1;
+  } catch (const std::exception& e) {
+    saveError(e);
+    return 0;
+  }
+}
+
+uint32_t convertMobility(uint64_t handle, int64_t frame_id, const double* in, double* out,
+                         uint32_t cnt, MobOperation op) {
+  try {
+    toInstance(handle)->mobConversionFunc(frame_id, in, out, cnt, op);
+    return 1;
+  } catch (const std::exception& e) {
+    saveError(e);
+    return 0;
+  }
 }
 
 }  // namespace
@@ -203,6 +271,40 @@ KORA_EXPORT uint32_t kora_read_scans_internal(uint64_t handle, int64_t frame_id,
     saveError(e);
     return 0;
   }
+}
+
+KORA_EXPORT uint32_t kora_index_to_mz(uint64_t handle, int64_t frame_id, const double* in,
+                                      double* out, uint32_t cnt) {
+  return convertMz(handle, frame_id, in, out, cnt,
+                   static_cast<MzOperation>(&ICalibrationTransformator::DIndexToMass));
+}
+
+KORA_EXPORT uint32_t kora_mz_to_index(uint64_t handle, int64_t frame_id, const double* in,
+                                      double* out, uint32_t cnt) {
+  return convertMz(handle, frame_id, in, out, cnt,
+                   static_cast<MzOperation>(&ICalibrationTransformator::MassToDIndex));
+}
+
+KORA_EXPORT uint32_t kora_scannum_to_oneoverk0(uint64_t handle, int64_t frame_id,
+                                               const double* in, double* out, uint32_t cnt) {
+  return convertMobility(handle, frame_id, in, out, cnt,
+                         static_cast<MobOperation>(&ITransformator::scanNumToOneOverK0));
+}
+
+KORA_EXPORT uint32_t kora_oneoverk0_to_scannum(uint64_t handle, int64_t frame_id,
+                                               const double* in, double* out, uint32_t cnt) {
+  return convertMobility(handle, frame_id, in, out, cnt, &ITransformator::oneOverK0ToScanNum);
+}
+
+KORA_EXPORT uint32_t kora_scannum_to_voltage(uint64_t handle, int64_t frame_id, const double* in,
+                                             double* out, uint32_t cnt) {
+  return convertMobility(handle, frame_id, in, out, cnt,
+                         static_cast<MobOperation>(&ITransformator::scanNumToVoltage));
+}
+
+KORA_EXPORT uint32_t kora_voltage_to_scannum(uint64_t handle, int64_t frame_id, const double* in,
+                                             double* out, uint32_t cnt) {
+  return convertMobility(handle, frame_id, in, out, cnt, &ITransformator::voltageToScanNum);
 }
 
 KORA_EXPORT uint32_t kora_has_recalibrated_state(uint64_t /*handle*/) { return 0; }

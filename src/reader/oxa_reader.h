@@ -11,6 +11,7 @@
 #include <boost/filesystem/path.hpp>
 #include <boost/noncopyable.hpp>
 #include <boost/optional.hpp>
+#include <boost/shared_ptr.hpp>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -18,10 +19,12 @@
 #include <vector>
 
 #include "calibration_access/calibration_state_selector.h"
+#include "calibration_core/transformation/calibration_transformator.h"
 #include "logging/logger.h"
+#include "mobility/transformation.h"
+#include "reader/byte_buffer.h"
 #include "reader/frame_info.h"
 #include "reader/intensity_normalizer.h"
-#include "reader/byte_buffer.h"
 
 namespace lumo {
 namespace io {
@@ -44,6 +47,21 @@ class OxaReader : boost::noncopyable {
   T getGlobalMetadatumRequired(const std::string& key);
 
   const detail::FrameInfo& getFrameInfo(int64_t frame_id);
+
+  // --- Calibration source, chosen at opening.
+
+  // The mass transformator of `frame_id`; empty when the frame's calibration
+  // row does not exist. The exported conversions pass `flag` true; with the
+  // analysis's own calibration it is ignored. With a recalibration state the
+  // frame's polarity and temperatures are read ("Frame <id> does not exist."
+  // as std::invalid_argument when there is no frame row), unless `flag` is
+  // false and the state has its own calibration per frame.
+  // Throws the failures of the calibration readers.
+  boost::shared_ptr<lumo::calibration::ICalibrationTransformator> getMzTrafo(int64_t frame_id,
+                                                                             bool flag);
+  // The mobility transformator of `frame_id`, owned by the caller; may be
+  // empty. Throws the failures of the calibration readers.
+  std::unique_ptr<lumo::calibration::kora::ITransformator> getMobTrafo(int64_t frame_id);
 
   // --- Read path. Template definitions are in reader/oxa_reader_decoding.h.
 

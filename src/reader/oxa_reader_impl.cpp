@@ -6,6 +6,8 @@
 
 #include "sql/cppsqlite3.h"
 #include "sql/cppsqlite_tools.h"
+#include "calibration_access/calibration_reader_sqlite.h"
+#include "calibration_access/oxa_calibration_reader_impl.h"
 #include "reader/corrupt_data_error.h"
 #include "reader/oxa_frame_reader.h"
 #include "reader/oxa_reader_cache.h"
@@ -83,9 +85,7 @@ OxaReaderImpl::OxaReaderImpl(const fs::path& dir,
   else
     frameReader.reset(new OxaFrameReader);
 
-  // The calibration source (analysis.oxa itself, or the state of
-  // calibration.sqlite that `selector` names) is chosen here, last.
-  (void)selector;
+  chooseCalibrationSource(dir, std::move(selector));
 }
 
 OxaReaderImpl::~OxaReaderImpl() = default;

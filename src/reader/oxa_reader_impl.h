@@ -9,6 +9,7 @@
 #include <boost/filesystem/path.hpp>
 #include <boost/noncopyable.hpp>
 #include <boost/optional.hpp>
+#include <boost/shared_ptr.hpp>
 #include <cstdint>
 #include <fstream>
 #include <map>
@@ -19,12 +20,26 @@
 
 #include "calibration_access/calibration_state_selector.h"
 #include "logging/logger.h"
-#include "reader/frame_info.h"
 #include "reader/byte_buffer.h"
+#include "reader/frame_info.h"
 
 class CppSQLite3DB;
 
 namespace lumo {
+namespace calibration {
+class ICalibrationTransformator;
+namespace kora {
+class ITransformator;
+}  // namespace kora
+}  // namespace calibration
+namespace io {
+namespace calibration {
+class CalibrationReaderSqlite;
+}  // namespace calibration
+namespace kora_calibration {
+class OxaCalibrationReaderImpl;
+}  // namespace kora_calibration
+}  // namespace io
 namespace io {
 namespace kora {
 
@@ -54,6 +69,12 @@ class OxaReaderImpl : boost::noncopyable {
   // the reference stays valid as long as the reader lives.
   const detail::FrameInfo& getFrameInfo(int64_t frame_id);
 
+  // The transformators of a frame, from the calibration source chosen at
+  // opening; see OxaReader.
+  boost::shared_ptr<lumo::calibration::ICalibrationTransformator> getMzTrafo(int64_t frame_id,
+                                                                             bool flag);
+  std::unique_ptr<lumo::calibration::kora::ITransformator> getMobTrafo(int64_t frame_id);
+
   CppSQLite3DB& database() { return *db; }
   int32_t getSchemaVersionMajor() const { return schemaVersionMajor; }
   int32_t getSchemaVersionMinor() const { return schemaVersionMinor; }
@@ -65,8 +86,21 @@ class OxaReaderImpl : boost::noncopyable {
                                                     unsigned int& first, unsigned int& last);
 
  private:
+  // The last step of opening: makes exactly one of the two calibration
+  // readers. A state of `selector` is read when calibration.sqlite exists and
+  // opens; otherwise (a WARN line for a missing file, nothing for a broken
+  // one) the instrument calibration of analysis.oxa.
+  // Throws std::runtime_error "Unexpectly missing frame information!" or
+  // "Unexpectly missing frame polarity information!" when the selector needs
+  // the analysis's frames and Frames is empty.
+  void chooseCalibrationSource(const boost::filesystem::path& dir,
+                               boost::optional<CalibrationStateSelector> selector);
+
   lumo::logging::Logger logger;
   std::shared_ptr<CppSQLite3DB> db;
+  // Exactly one of the two is set once the constructor has returned.
+  std::unique_ptr<lumo::io::calibration::CalibrationReaderSqlite> recalibrationReader;
+  std::unique_ptr<lumo::io::kora_calibration::OxaCalibrationReaderImpl> analysisCalibrationReader;
   int32_t schemaVersionMajor;
   int32_t schemaVersionMinor;
   std::ifstream binaryFile;
