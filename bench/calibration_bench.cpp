@@ -6,6 +6,9 @@
 // same scalar formula written out here. At the end a table gives values/s
 // and the ratios library(1 thread) / plain loop and
 // library(1 thread) / library(2 threads), all measured in this run.
+// DIndexToMass of a temperature-compensated TOF quadratic model (a frame two
+// sensors away from the reference temperatures) is set against the plain
+// model, on 1 and 2 threads: time compensated / time plain.
 // DIndexToMass of the TOF quadratic model under a ZRK correction is set
 // against the plain model, on 1 and 2 threads: time ZRK / time plain model
 // on 1 thread, and ZRK on 1 thread / ZRK on 2 threads.
@@ -24,6 +27,8 @@
 
 #include "calibration_core/constants/calibration_constants_functional_tof.h"
 #include "calibration_core/constants/calibration_constants_physical.h"
+#include "calibration_core/temperature/calibration_temperature_compensator.h"
+#include "calibration_core/temperature/temperature_compensation.h"
 #include "calibration_core/tof/calibration_transformator_tof.h"
 #include "calibration_core/tof2/calibration_transformator_tof2_cubic.h"
 #include "calibration_core/zrk/calibration_polynomial_zrk.h"
@@ -82,6 +87,22 @@ const CalibrationTransformatorTOF2Cubic& cubic() {
       boost::make_shared<Constants::CalibrationConstantsFunctionalTOF2>(kC0, kC1, kC2, kC3, kDm),
       digitizer());
   return m;
+}
+
+// The quadratic model of a frame at (21, 33) against a reference at
+// (20, 30), factors (10, 100).
+const ICalibrationTransformator& compensatedQuadratic() {
+  static const ICalibrationTransformatorPtr m = [] {
+    const std::vector<double> reference = {20.0, 30.0}, factors = {10.0, 100.0};
+    const ICalibrationTransformatorPtr plain =
+        boost::dynamic_pointer_cast<ICalibrationTransformator>(quadratic().Clone());
+    const TemperatureCompensation::CalibrationTemperatureCompensator compensator(
+        addTemperatureCompensationInfo(plain, TemperatureCompensationInfo{reference, factors, 3}),
+        reference, factors);
+    return compensator.GetCompensatedTransformator(addTemperatureCompensationInfo(
+        plain, TemperatureCompensationInfo{{21.0, 33.0}, factors, 3}));
+  }();
+  return *m;
 }
 
 // The quadratic model under a ZRK correction that covers every mass of the
@@ -195,6 +216,9 @@ void BM_TOFQuadratic_DIndexToMass_Plain(benchmark::State& s) {
   plainLoop<quadraticDIndexToMass>(s, dindexes());
 }
 void BM_TOFQuadratic_DIndexToMass(benchmark::State& s) { libraryDIndexToMass(s, quadratic()); }
+void BM_TOFQuadratic_DIndexToMass_Compensated(benchmark::State& s) {
+  libraryDIndexToMass(s, compensatedQuadratic());
+}
 void BM_ZRKTOFQuadratic_DIndexToMass(benchmark::State& s) {
   libraryDIndexToMass(s, zrkQuadratic());
 }
@@ -220,6 +244,12 @@ BENCHMARK(BM_TOFQuadratic_DIndexToMass_Plain)
     ->Repetitions(kRepetitions)
     ->UseRealTime();
 BENCHMARK(BM_TOFQuadratic_DIndexToMass)
+    ->Arg(1)
+    ->Arg(2)
+    ->MinTime(kMinTime)
+    ->Repetitions(kRepetitions)
+    ->UseRealTime();
+BENCHMARK(BM_TOFQuadratic_DIndexToMass_Compensated)
     ->Arg(1)
     ->Arg(2)
     ->MinTime(kMinTime)
@@ -291,6 +321,14 @@ class RatioReporter : public benchmark::ConsoleReporter {
       std::printf("%-28s %12.3g %12.3g %12.3g %10.3f %10.3f\n", name, 1.0 / plain, 1.0 / one,
                   1.0 / two, one / plain, one / two);
     }
+    std::printf("\n%-28s %12s %12s %12s %12s\n", "temperature compensation", "1 thread v/s",
+                "2 threads v/s", "1t comp/plain", "2t comp/plain");
+    const std::string model = "BM_TOFQuadratic_DIndexToMass";
+    const double one = lookup(model + "/1/"), two = lookup(model + "/2/");
+    const double compOne = lookup(model + "_Compensated/1/");
+    const double compTwo = lookup(model + "_Compensated/2/");
+    std::printf("%-28s %12.3g %12.3g %12.3f %12.3f\n", "TOFQuadratic_DIndexToMass", 1.0 / compOne,
+                1.0 / compTwo, compOne / one, compTwo / two);
   }
 
   // ZRK over the TOF quadratic model against the model alone.
