@@ -11,8 +11,12 @@ from . import _koradata, _tables
 
 Error = _koradata.Error
 
-#: Columns of :meth:`Analysis.query`, in their usual order.
-COLUMNS = ("frame", "scan", "tof", "intensity", "mz", "inv_ion_mobility", "retention_time")
+#: Columns of :meth:`Analysis.query`, in their usual order, with their dtypes.
+COLUMN_DTYPES = {"frame": np.dtype(np.int64), "scan": np.dtype(np.uint32),
+                 "tof": np.dtype(np.uint32), "intensity": np.dtype(np.uint32),
+                 "mz": np.dtype(np.float64), "inv_ion_mobility": np.dtype(np.float64),
+                 "retention_time": np.dtype(np.float64)}
+COLUMNS = tuple(COLUMN_DTYPES)
 #: The columns :meth:`Analysis.query` gives when none are named.
 DEFAULT_COLUMNS = ("frame", "scan", "tof", "intensity")
 _CONVERTED = ("mz", "inv_ion_mobility")
@@ -23,6 +27,18 @@ Scans = collections.namedtuple("Scans", ["scan", "tof", "intensity"])
 # Conversion numbers of the extension module, in the library's order.
 _INDEX_TO_MZ, _MZ_TO_INDEX, _SCAN_TO_INV_MOBILITY = 0, 1, 2
 _INV_MOBILITY_TO_SCAN, _SCAN_TO_VOLTAGE, _VOLTAGE_TO_SCAN = 3, 4, 5
+
+
+def check_query_arguments(columns, errors):
+    """The columns as a tuple; ValueError for an unknown column or errors
+    value."""
+    columns = tuple(columns)
+    unknown = [c for c in columns if c not in COLUMNS]
+    if unknown:
+        raise ValueError(f"unknown column {unknown[0]!r}; columns are {', '.join(COLUMNS)}")
+    if errors not in ("raise", "skip"):
+        raise ValueError(f"errors must be 'raise' or 'skip', not {errors!r}")
+    return columns
 
 
 class Analysis:
@@ -238,12 +254,7 @@ class Analysis:
         ValueError
             An unknown column or ``errors`` value.
         """
-        columns = tuple(columns)
-        unknown = [c for c in columns if c not in COLUMNS]
-        if unknown:
-            raise ValueError(f"unknown column {unknown[0]!r}; columns are {', '.join(COLUMNS)}")
-        if errors not in ("raise", "skip"):
-            raise ValueError(f"errors must be 'raise' or 'skip', not {errors!r}")
+        columns = check_query_arguments(columns, errors)
         if any(c in _CONVERTED for c in columns):
             # An empty batch fails only where the build cannot convert at all.
             self._handle.convert(_INDEX_TO_MZ, 0, np.empty(0))
