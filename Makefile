@@ -25,6 +25,8 @@ run: build
 	@rm -rf $(SAMPLE)
 	@$(BUILD)/tools/kora-writer sample $(SAMPLE)
 	@$(BUILD)/examples/kora-summary $(SAMPLE)
+	@$(BUILD)/python/kora info $(SAMPLE)
+	@$(BUILD)/python/kora plot $(SAMPLE) --frame 1 -o $(BUILD)/sample-frame.png && echo "wrote $(BUILD)/sample-frame.png"
 
 test: build
 	@ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
@@ -40,6 +42,7 @@ bench:
 	@cmake -S . -B build-bench -G Ninja -DCMAKE_BUILD_TYPE=Release -DKORA_BUILD_TESTS=OFF -DKORA_BUILD_BENCHMARKS=ON >/dev/null
 	@cmake --build build-bench -j $(JOBS)
 	@for b in $$(find build-bench -name '*_bench' -type f -perm -u+x | sort); do echo "== $$b"; $$b; done
+	@echo "== bench/python_read_bench.py"; /usr/bin/python3 bench/python_read_bench.py build-bench
 
 asan:
 	@$(MAKE) test BUILD=build-asan CMAKE_FLAGS="-DKORA_SANITIZE=address,undefined"
