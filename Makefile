@@ -67,3 +67,11 @@ fuzz:
 
 clean:
 	rm -rf build build-bench build-asan build-tsan build-clang build-fuzz
+		-DKORA_BUILD_PYTHON=OFF -DKORA_SANITIZE=address,undefined \
+# Every fuzz target for FUZZ_SECONDS (default 10 minutes each):
+# make fuzz-run FUZZ_SECONDS=60
+FUZZ_SECONDS ?= 600
+.PHONY: fuzz-run
+fuzz-run: fuzz
+	@bash fuzz/run_fuzzers.sh build-fuzz $(FUZZ_SECONDS)
+

@@ -32,12 +32,16 @@ function(kora_benchmark)
 endfunction()
 
 # kora_fuzzer(NAME <target> SOURCES <files...> [DEPS <targets...>])
-#   A libFuzzer target (clang only, -DKORA_BUILD_FUZZERS=ON).
+#   A libFuzzer target (clang only, -DKORA_BUILD_FUZZERS=ON). The whole tree is
+#   compiled with coverage and the sanitizers of KORA_SANITIZE (make fuzz:
+#   address,undefined); the target links libFuzzer's driver. Exports its
+#   symbols, so that it may give the library a logging document.
 function(kora_fuzzer)
   cmake_parse_arguments(ARG "" "NAME" "SOURCES;DEPS" ${ARGN})
   add_executable(${ARG_NAME} ${ARG_SOURCES})
   target_include_directories(${ARG_NAME} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR})
-  target_compile_options(${ARG_NAME} PRIVATE -fsanitize=fuzzer,address)
-  target_link_options(${ARG_NAME} PRIVATE -fsanitize=fuzzer,address)
+  target_compile_options(${ARG_NAME} PRIVATE -fsanitize=fuzzer)
+  target_link_options(${ARG_NAME} PRIVATE -fsanitize=fuzzer)
   target_link_libraries(${ARG_NAME} PRIVATE ${ARG_DEPS})
+  set_target_properties(${ARG_NAME} PROPERTIES ENABLE_EXPORTS ON)
 endfunction()
