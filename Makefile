@@ -52,8 +52,26 @@ asan:
 torture: build
 	@KORA_CAMPAIGN_ANALYSES=5000 $(BUILD)/src/api/corruption_campaign_test
 
+# ThreadSanitizer with Clang and LLVM's OpenMP runtime, whose Archer tool
+# tells TSan what OpenMP synchronises: a report inside a parallel region is a
+# real race.
 tsan:
-	@$(MAKE) test BUILD=build-tsan CMAKE_FLAGS="-DKORA_SANITIZE=thread"
+	@KORA_BOOTSTRAP_CLANG=1 bash scripts/bootstrap.sh
+	@OMP_TOOL_LIBRARIES=$$(ls /usr/lib/llvm-*/lib/libarcher.so | tail -1) \
+		TSAN_OPTIONS="ignore_noninstrumented_modules=1 $$TSAN_OPTIONS" \
+		$(MAKE) test BUILD=build-tsan CMAKE_FLAGS="-DKORA_SANITIZE=thread -DKORA_BUILD_PYTHON=OFF \
+		-DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++"
+
+# The API tests under Valgrind's memcheck: no error, nothing definitely lost.
+.PHONY: valgrind
+valgrind: build
+	@KORA_BOOTSTRAP_VALGRIND=1 bash scripts/bootstrap.sh
+	@for t in $$(find $(BUILD)/src/api -maxdepth 1 -name '*_test' -type f -perm -u+x | sort); do \
+		echo "== $$t"; \
+		KORA_CAMPAIGN_ANALYSES=20 valgrind --quiet --error-exitcode=1 --leak-check=full \
+			--suppressions=testing/valgrind.supp \
+			--errors-for-leak-kinds=definite --show-leak-kinds=definite $$t --gtest_brief=1 || exit 1; \
+	done
 
 clang:
 	@KORA_BOOTSTRAP_CLANG=1 bash scripts/bootstrap.sh

@@ -15,9 +15,14 @@ packages=(
   pybind11-dev python3-dev python3-numpy python3-pandas python3-pytest python3-tqdm
   python3-dask python3-distributed python3-matplotlib
 )
-# The Clang build (make clang, make fuzz) needs clang and LLVM's OpenMP and sanitizer runtimes.
+# The Clang builds (make clang, make fuzz, make tsan) need clang, LLVM's OpenMP
+# runtime with its Archer tool for ThreadSanitizer, and the sanitizer runtimes.
 if [ "${KORA_BOOTSTRAP_CLANG:-0}" = 1 ]; then
   packages+=(clang libomp-dev libclang-rt-dev)
+fi
+# make valgrind needs Valgrind.
+if [ "${KORA_BOOTSTRAP_VALGRIND:-0}" = 1 ]; then
+  packages+=(valgrind)
 fi
 
 missing=()
