@@ -17,7 +17,9 @@ namespace {
 
 using kora_testing::countLines;
 using kora_testing::expectTofLaw;
+using kora_testing::expectZrkLaw;
 using kora_testing::kTofCoefficients;
+using kora_testing::kZrkCoefficients;
 using kora_testing::readerTestLog;
 using kora_testing::thrownText;
 using lumo::calibration::ICalibrationConstantsFunctionalTemperatureCompensation;
@@ -178,6 +180,18 @@ TEST_F(OxaCalibrationReader, BothSensorsCount) {
   frame(1, "1, 1, '+', 21.0, 33.0");
   OxaCalibrationReaderImpl reader(db);
   expectTofLaw(reader.getMzTrafo(1, true), 0.99969);
+}
+
+TEST_F(OxaCalibrationReader, ZrkModelIsCompensatedUnderItsCorrection) {
+  // s as in BothSensorsCount.
+  exec(std::string(
+           "INSERT INTO MzCalibration (Id, ModelType, DigitizerTimebase, DigitizerDelay, T1, "
+           "T2, dC1, dC2, C0, C1, C2, C3, C4, C5, C6, C7, C8, C9) VALUES (1, 2, 0.25, "
+           "20000.0, 20.0, 30.0, 10.0, 100.0, ") +
+       kZrkCoefficients + ")");
+  frame(1, "1, 1, '+', 21.0, 33.0");
+  OxaCalibrationReaderImpl reader(db);
+  expectZrkLaw(reader.getMzTrafo(1, true), 0.99969);
 }
 
 TEST_F(OxaCalibrationReader, NullReferenceCellsReadAsZero) {
