@@ -8,21 +8,11 @@ const bool kHaveConversions = true;
 
 bool callConversion(uint64_t handle, Conversion conversion, int64_t frame, const double* in,
                     double* out, uint32_t count) {
-  switch (conversion) {
-    case Conversion::kIndexToMz:
-      return kora_index_to_mz(handle, frame, in, out, count) != 0;
-    case Conversion::kMzToIndex:
-      return kora_mz_to_index(handle, frame, in, out, count) != 0;
-    case Conversion::kScanToInvMobility:
-      return kora_scannum_to_oneoverk0(handle, frame, in, out, count) != 0;
-    case Conversion::kInvMobilityToScan:
-      return kora_oneoverk0_to_scannum(handle, frame, in, out, count) != 0;
-    case Conversion::kScanToVoltage:
-      return kora_scannum_to_voltage(handle, frame, in, out, count) != 0;
-    case Conversion::kVoltageToScan:
-      return kora_voltage_to_scannum(handle, frame, in, out, count) != 0;
-  }
-  return false;
+  // In the order of Conversion.
+  static constexpr uint32_t (*kExports[])(uint64_t, int64_t, const double*, double*, uint32_t) = {
+      kora_index_to_mz,          kora_mz_to_index,        kora_scannum_to_oneoverk0,
+      kora_oneoverk0_to_scannum, kora_scannum_to_voltage, kora_voltage_to_scannum};
+  return kExports[static_cast<int>(conversion)](handle, frame, in, out, count) != 0;
 }
 
 }  // namespace koradata_py
