@@ -104,6 +104,13 @@ class Instance : boost::noncopyable {
 
   Logger logger;
   lumo::io::kora::OxaReader reader;
+
+ private:
+  // Scratch of mzConversionFunc: the batch and its results, kept with their
+  // capacity over calls, so that a large batch is not paged in afresh each
+  // time. Freed with the instance.
+  std::vector<double> mzValues;
+  std::vector<double> mzResults;
 };
 
 void Instance::mzConversionFunc(int64_t frame_id, const double* in, double* out, uint32_t cnt,
@@ -111,11 +118,10 @@ void Instance::mzConversionFunc(int64_t frame_id, const double* in, double* out,
   if (cnt == 0) return;
   const boost::shared_ptr<ICalibrationTransformator> trafo = reader.getMzTrafo(frame_id, true);
   if (!trafo) LUMO_THROW(std::runtime_error("No m/z trafo available."));
-  const std::vector<double> values(in, in + cnt);
-  std::vector<double> results;
-  ((*trafo).*op)(values, results);
-  assert(results.size() == cnt);
-  std::memcpy(out, results.data(), cnt * sizeof(double));
+  mzValues.assign(in, in + cnt);
+  ((*trafo).*op)(mzValues, mzResults);
+  assert(mzResults.size() == cnt);
+  std::memcpy(out, mzResults.data(), cnt * sizeof(double));
 }
 
 void Instance::mobConversionFunc(int64_t frame_id, const double* in, double* out, uint32_t cnt,
@@ -183,8 +189,8 @@ void saveError(const std::exception& e) {
 }
 
 // The shape of the six conversion exports: 1, or 0 with the error kept.
-uint32_t convertMz(uint64_t handle, int64_t frame_id, const double* in, double* out,
-                   uint32_t cnt, MzOperation op) {
+uint32_t convertMz(uint64_t handle, int64_t frame_id, const double* in, double* out, uint32_t cnt,
+                   MzOperation op) {
   try {
     toInstance(handle)->mzConversionFunc(frame_id, in, out, cnt, op);
     return 1;
@@ -285,14 +291,14 @@ KORA_EXPORT uint32_t kora_mz_to_index(uint64_t handle, int64_t frame_id, const d
                    static_cast<MzOperation>(&ICalibrationTransformator::MassToDIndex));
 }
 
-KORA_EXPORT uint32_t kora_scannum_to_oneoverk0(uint64_t handle, int64_t frame_id,
-                                               const double* in, double* out, uint32_t cnt) {
+KORA_EXPORT uint32_t kora_scannum_to_oneoverk0(uint64_t handle, int64_t frame_id, const double* in,
+                                               double* out, uint32_t cnt) {
   return convertMobility(handle, frame_id, in, out, cnt,
                          static_cast<MobOperation>(&ITransformator::scanNumToOneOverK0));
 }
 
-KORA_EXPORT uint32_t kora_oneoverk0_to_scannum(uint64_t handle, int64_t frame_id,
-                                               const double* in, double* out, uint32_t cnt) {
+KORA_EXPORT uint32_t kora_oneoverk0_to_scannum(uint64_t handle, int64_t frame_id, const double* in,
+                                               double* out, uint32_t cnt) {
   return convertMobility(handle, frame_id, in, out, cnt, &ITransformator::oneOverK0ToScanNum);
 }
 
