@@ -48,9 +48,10 @@ struct MzModel {
 MzModel tofModel(const std::array<double, 5>& c);
 
 // ModelType 2, time-of-flight model with a correction polynomial: C0 .. C2
-// the base model's c0, c1, c2; C3 .. C6 the polynomial's four parameters in
-// stored order; C7 the number n of polynomial coefficients (an integer);
-// C8 .. C<7+n> the coefficients.
+// the base model's c0, c1, c2; C3 .. C6 the correction polynomial's c2, c0,
+// lowest and highest mass (outside that range the correction fades out); C7
+// the number n of polynomial coefficients (an integer); C8 .. C<7+n> the
+// coefficients, offsets from the identity in rising powers.
 MzModel tofZrkModel(const std::array<double, 3>& c,
                     const std::array<double, 4>& polynomial_parameters,
                     const std::vector<double>& coefficients);
