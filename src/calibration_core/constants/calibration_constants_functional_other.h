@@ -25,28 +25,26 @@ namespace Constants {
 
 namespace detail {
 
-// c0 and c1 of the families whose mass is a polynomial of the raw axis; the
-// slope number A of the computation interface is c1 itself.
-template <class Derived, class Interface, int kCalibrationType>
-class PolynomialConstantsBase
-    : public FunctionalConstantsBase<Derived, Interface, kCalibrationType>,
-      public virtual ICalibrationConstantsFunctionalComputationLinear {
+// The linear family as the linear model's policy reads it.
+class LinearComputation : public virtual ICalibrationConstantsFunctionalLinear,
+                          public virtual ICalibrationConstantsFunctionalComputationLinear {
  public:
-  double GetC0() const override { return c0_; }
-  void SetC0(const double& c0) override { c0_ = c0; }
-  double GetC1() const override { return c1_; }
-  void SetC1(const double& c1) override { c1_ = c1; }
-  double GetA1() const override { return c1_; }
-  void SetA1(const double& a1) override { c1_ = a1; }
+  // One c0 for both interfaces.
+  double GetC0() const override = 0;
+  void SetC0(const double& c0) override = 0;
+};
+
+// c0 and c1 of the families whose mass is a polynomial of the raw axis; the
+// slope number A of the computation interface is c1 itself. Interface
+// includes the linear computation interface.
+template <class Derived, class Interface, int kCalibrationType>
+class PolynomialConstantsBase : public C0C1ConstantsBase<Derived, Interface, kCalibrationType> {
+ public:
+  double GetA1() const override { return this->c1_; }
+  void SetA1(const double& a1) override { this->c1_ = a1; }
 
  protected:
-  PolynomialConstantsBase(double c0, double c1, int calibMode)
-      : FunctionalConstantsBase<Derived, Interface, kCalibrationType>(calibMode),
-        c0_(c0),
-        c1_(c1) {}
-
-  double c0_;
-  double c1_;
+  using C0C1ConstantsBase<Derived, Interface, kCalibrationType>::C0C1ConstantsBase;
 };
 
 // beta, the upper frequency and the raw mode of the FTMS families; beta is
@@ -96,7 +94,7 @@ class CalibrationConstantsFunctionalHalyard
 
   std::string Dump() const override;
   bool FieldsEqual(const ICalibrationConstantsFunctionalHalyard& o) const {
-    return o.GetC0() == c0_ && o.GetC1() == c1_ && o.GetC2() == c2_;
+    return C0C1Equal(o) && o.GetC2() == c2_;
   }
 
   double GetC2() const override { return c2_; }
@@ -109,16 +107,13 @@ class CalibrationConstantsFunctionalHalyard
 
 class CalibrationConstantsFunctionalLinear
     : public detail::PolynomialConstantsBase<CalibrationConstantsFunctionalLinear,
-                                             ICalibrationConstantsFunctionalLinear,
-                                             kCalibrationTypeLinear> {
+                                             detail::LinearComputation, kCalibrationTypeLinear> {
  public:
   CalibrationConstantsFunctionalLinear(double c0, double c1, int calibMode = -1)
       : PolynomialConstantsBase(c0, c1, calibMode) {}
 
   std::string Dump() const override;
-  bool FieldsEqual(const ICalibrationConstantsFunctionalLinear& o) const {
-    return o.GetC0() == c0_ && o.GetC1() == c1_;
-  }
+  bool FieldsEqual(const detail::LinearComputation& o) const { return C0C1Equal(o); }
 };
 
 // Raw modes 0 and 4: f = beta / m.

@@ -60,14 +60,31 @@ class FunctionalConstantsBase : public virtual Interface {
   int calibMode_;
 };
 
-// c0, c1 and c2 of the time-of-flight families, with a1 = 1e12 / (c1 * c1).
+// c0 and c1, the two coefficients every polynomial family stores.
 template <class Derived, class Interface, int kCalibrationType>
-class TofConstantsBase : public FunctionalConstantsBase<Derived, Interface, kCalibrationType> {
+class C0C1ConstantsBase : public FunctionalConstantsBase<Derived, Interface, kCalibrationType> {
  public:
   double GetC0() const override { return c0_; }
   void SetC0(const double& c0) override { c0_ = c0; }
   double GetC1() const override { return c1_; }
   void SetC1(const double& c1) override { c1_ = c1; }
+
+ protected:
+  C0C1ConstantsBase(double c0, double c1, int calibMode)
+      : FunctionalConstantsBase<Derived, Interface, kCalibrationType>(calibMode),
+        c0_(c0),
+        c1_(c1) {}
+
+  bool C0C1Equal(const Interface& o) const { return o.GetC0() == c0_ && o.GetC1() == c1_; }
+
+  double c0_;
+  double c1_;
+};
+
+// c0, c1 and c2 of the time-of-flight families, with a1 = 1e12 / (c1 * c1).
+template <class Derived, class Interface, int kCalibrationType>
+class TofConstantsBase : public C0C1ConstantsBase<Derived, Interface, kCalibrationType> {
+ public:
   double GetC2() const override { return c2_; }
   void SetC2(const double& c2) override { c2_ = c2; }
 
@@ -77,25 +94,18 @@ class TofConstantsBase : public FunctionalConstantsBase<Derived, Interface, kCal
   // compensation, which divides a1 and not c1. Only the table conversions
   // ConvertC1ToA1 / ConvertA1ToC1 of CalibrationTOFUtilities are the plain
   // 1e12 / x.
-  double GetA1() const override { return slopeTermFromC1(c1_); }
+  double GetA1() const override { return slopeTermFromC1(this->c1_); }
   // Stores the c1 with 1e12 / (c1 * c1) == a1; c1 keeps its sign (positive
   // if it was 0.0). A negative a1 has no such c1 and gives NaN.
   void SetA1(const double& a1) override;
-  double GetA1FromStoredC1() const override { return slopeTermFromC1(c1_); }
+  double GetA1FromStoredC1() const override { return slopeTermFromC1(this->c1_); }
 
  protected:
   TofConstantsBase(double c0, double c1, double c2, int calibMode)
-      : FunctionalConstantsBase<Derived, Interface, kCalibrationType>(calibMode),
-        c0_(c0),
-        c1_(c1),
-        c2_(c2) {}
+      : C0C1ConstantsBase<Derived, Interface, kCalibrationType>(c0, c1, calibMode), c2_(c2) {}
 
-  bool TofFieldsEqual(const Interface& o) const {
-    return o.GetC0() == c0_ && o.GetC1() == c1_ && o.GetC2() == c2_;
-  }
+  bool TofFieldsEqual(const Interface& o) const { return this->C0C1Equal(o) && o.GetC2() == c2_; }
 
-  double c0_;
-  double c1_;
   double c2_;
 };
 
@@ -104,7 +114,7 @@ double c1FromSlopeTerm(double a1, double signOf);
 
 template <class Derived, class Interface, int kCalibrationType>
 void TofConstantsBase<Derived, Interface, kCalibrationType>::SetA1(const double& a1) {
-  c1_ = c1FromSlopeTerm(a1, c1_);
+  this->c1_ = c1FromSlopeTerm(a1, this->c1_);
 }
 
 }  // namespace detail
