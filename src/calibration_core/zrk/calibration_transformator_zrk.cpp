@@ -2,6 +2,7 @@
 
 #include <omp.h>
 
+#include <algorithm>
 #include <boost/make_shared.hpp>
 #include <cmath>
 #include <cstddef>
@@ -30,26 +31,26 @@ const char* const kBatchFailedText =
 const char* const kPreciseBatchFailedText =
     "ZRK transformation failed, most likely due to bad calibration constants";
 
-// out[i] = convert(in[i]) for every i of `in`; `in` and `out` have the same
-// size and may be one vector. Serial inside a parallel region, letting the
-// first failure out unchanged; otherwise on the OpenMP threads whatever the
-// size, ending in std::logic_error(failureText) when any element failed.
-template <class Convert>
-void zrkLoop(const Convert& convert, const std::vector<double>& in, std::vector<double>& out,
+// Runs block(source, destination, i, end), which converts the elements
+// from i up to end and advances i past each one it completes, over every
+// element of `in` into `out`; `in` and `out` have the same size and may be
+// one vector. Serial inside a parallel region, letting the first failure out
+// unchanged; otherwise on the OpenMP threads whatever the size, ending in
+// std::logic_error(failureText) when any element failed.
+template <class Block>
+void zrkLoop(const Block& block, const std::vector<double>& in, std::vector<double>& out,
              const char* failureText) {
   const std::ptrdiff_t n = static_cast<std::ptrdiff_t>(in.size());
   const double* source = in.data();
   double* destination = out.data();
   if (omp_in_parallel()) {
-    for (std::ptrdiff_t i = 0; i < n; ++i) destination[i] = convert(source[i]);
+    std::ptrdiff_t i = 0;
+    block(source, destination, i, n);
     return;
   }
   try {
     Functors::detail::parallelLoop(
-        n,
-        [&](std::ptrdiff_t& i, std::ptrdiff_t end) {
-          for (; i < end; ++i) destination[i] = convert(source[i]);
-        },
+        n, [&](std::ptrdiff_t& i, std::ptrdiff_t end) { block(source, destination, i, end); },
         [](std::ptrdiff_t, std::ptrdiff_t) {});
   } catch (const std::runtime_error&) {
     // The loop's own report of a failed element.
@@ -143,7 +144,10 @@ double CalibrationTransformatorZRK::MassToPreciseMassImpl(double mass) const {
   const double g = f(mass);
   const double x = (mass - g) + mass;
   if (std::fabs(mass - f(x)) < detail::kFirstOrderTolerance) return x;
+  return SearchPreciseMass(mass);
+}
 
+double CalibrationTransformatorZRK::SearchPreciseMass(double mass) const {
   double w = (f(minMass) - minMass) * 2;
   const double atMax = (f(maxMass) - maxMass) * 2;
   if (atMax > w) w = atMax;
@@ -155,28 +159,71 @@ double CalibrationTransformatorZRK::MassToPreciseMassImpl(double mass) const {
   return precise;
 }
 
+// The blocks evaluate f through its vector form: one dispatch per block
+// instead of one per element.
+void CalibrationTransformatorZRK::PreciseMassesToMassesBlock(const double* in, double* out,
+                                                             std::ptrdiff_t& i,
+                                                             std::ptrdiff_t end) const {
+  if (!useCorrection || !f.IsInitialized()) {
+    for (; i < end; ++i) out[i] = in[i];
+    return;
+  }
+  const std::vector<double> preciseMasses(in + i, in + end);
+  std::vector<double> masses;
+  f(preciseMasses, masses);
+  std::copy(masses.begin(), masses.end(), out + i);
+  i = end;
+}
+
+void CalibrationTransformatorZRK::MassesToPreciseMassesBlock(const double* in, double* out,
+                                                             std::ptrdiff_t& i,
+                                                             std::ptrdiff_t end) const {
+  if (!useCorrection || !f.IsInitialized()) {
+    for (; i < end; ++i) out[i] = in[i];
+    return;
+  }
+  const std::vector<double> masses(in + i, in + end);
+  // First f of the masses, then, in place, their first-order inverses.
+  std::vector<double> firstOrder;
+  f(masses, firstOrder);
+  for (std::size_t k = 0; k < masses.size(); ++k) {
+    firstOrder[k] = (masses[k] - firstOrder[k]) + masses[k];
+  }
+  std::vector<double> check;
+  f(firstOrder, check);
+  for (std::size_t k = 0; i < end; ++i, ++k) {
+    out[i] = std::fabs(masses[k] - check[k]) < detail::kFirstOrderTolerance
+                 ? firstOrder[k]
+                 : SearchPreciseMass(masses[k]);
+  }
+}
+
 void CalibrationTransformatorZRK::PreciseMassesToMasses(std::vector<double>& values) const {
-  detail::zrkLoop([this](double m) { return PreciseMassToMassImpl(m); }, values, values,
-                  detail::kBatchFailedText);
+  detail::zrkLoop([this](const double* in, double* out, std::ptrdiff_t& i,
+                         std::ptrdiff_t end) { PreciseMassesToMassesBlock(in, out, i, end); },
+                  values, values, detail::kBatchFailedText);
 }
 
 void CalibrationTransformatorZRK::PreciseMassesToMasses(const std::vector<double>& preciseMasses,
                                                         std::vector<double>& masses) const {
   masses.resize(preciseMasses.size());
-  detail::zrkLoop([this](double m) { return PreciseMassToMassImpl(m); }, preciseMasses, masses,
-                  detail::kPreciseBatchFailedText);
+  detail::zrkLoop([this](const double* in, double* out, std::ptrdiff_t& i,
+                         std::ptrdiff_t end) { PreciseMassesToMassesBlock(in, out, i, end); },
+                  preciseMasses, masses, detail::kPreciseBatchFailedText);
 }
 
 void CalibrationTransformatorZRK::MassesToPreciseMasses(std::vector<double>& values) const {
-  detail::zrkLoop([this](double m) { return MassToPreciseMassImpl(m); }, values, values,
-                  detail::kBatchFailedText);
+  detail::zrkLoop([this](const double* in, double* out, std::ptrdiff_t& i,
+                         std::ptrdiff_t end) { MassesToPreciseMassesBlock(in, out, i, end); },
+                  values, values, detail::kBatchFailedText);
 }
 
 void CalibrationTransformatorZRK::MassesToPreciseMasses(const std::vector<double>& masses,
                                                         std::vector<double>& preciseMasses) const {
   preciseMasses.resize(masses.size());
-  detail::zrkLoop([this](double m) { return MassToPreciseMassImpl(m); }, masses, preciseMasses,
-                  detail::kBatchFailedText);
+  detail::zrkLoop([this](const double* in, double* out, std::ptrdiff_t& i,
+                         std::ptrdiff_t end) { MassesToPreciseMassesBlock(in, out, i, end); },
+                  masses, preciseMasses, detail::kBatchFailedText);
 }
 
 void CalibrationTransformatorZRK::MassToRaw(std::vector<double>& values) const {

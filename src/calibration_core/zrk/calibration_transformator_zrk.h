@@ -23,6 +23,7 @@
 #define KORA_CALIBRATION_CORE_ZRK_CALIBRATION_TRANSFORMATOR_ZRK_H_
 
 #include <boost/shared_ptr.hpp>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -155,6 +156,16 @@ class CalibrationTransformatorZRK final
     return useCorrection && f.IsInitialized() ? f(preciseMass) : preciseMass;
   }
   double MassToPreciseMassImpl(double mass) const;
+  // The precise mass by Newton's method on f, for a mass whose first-order
+  // inverse is not close enough. Throws std::logic_error when none is found.
+  double SearchPreciseMass(double mass) const;
+  // out[i] = PreciseMassToMass(in[i]) or MassToPreciseMass(in[i]) for i from
+  // `i` up to `end`, advancing `i` past each element completed. `in` and
+  // `out` may be the same array.
+  void PreciseMassesToMassesBlock(const double* in, double* out, std::ptrdiff_t& i,
+                                  std::ptrdiff_t end) const;
+  void MassesToPreciseMassesBlock(const double* in, double* out, std::ptrdiff_t& i,
+                                  std::ptrdiff_t end) const;
 
   // The correction f; empty without a polynomial.
   math::CFunction f;
