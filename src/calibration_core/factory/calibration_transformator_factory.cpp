@@ -57,6 +57,16 @@ boost::shared_ptr<P> physicalOf(const ICalibrationConstantsPhysicalPtr& physical
   return constants;
 }
 
+typedef ICalibrationConstantsFunctionalTOF1 FunctionalTOF1;
+typedef ICalibrationConstantsFunctionalTOF2 FunctionalTOF2;
+typedef ICalibrationConstantsFunctionalFTMS FunctionalFTMS;
+typedef ICalibrationConstantsFunctionalHalyard FunctionalHalyard;
+typedef ICalibrationConstantsFunctionalLinear FunctionalLinear;
+typedef ICalibrationConstantsPhysicalTOF PhysicalTOF;
+typedef ICalibrationConstantsPhysicalFTMS PhysicalFTMS;
+typedef ICalibrationConstantsPhysicalHalyard PhysicalHalyard;
+typedef ICalibrationConstantsPhysicalLinear PhysicalLinear;
+
 template <class F>
 bool is(const ICalibrationConstantsFunctionalPtr& functional) {
   return boost::dynamic_pointer_cast<F>(functional) != nullptr;
@@ -68,28 +78,13 @@ bool is(const ICalibrationConstantsFunctionalPtr& functional) {
 class CalibrationTransformatorFactory final : public ICalibrationTransformatorFactory {
  public:
   ICalibrationTransformatorPtr createTransformator(
-      const ICalibrationConstantsFunctionalPtr& functional,
-      const ICalibrationConstantsPhysicalPtr& physical) const override {
-    if (is<ICalibrationConstantsFunctionalTOF2>(functional)) {
-      return createTransformatorTof2(functional,
-                                     physicalOf<ICalibrationConstantsPhysicalTOF>(physical));
-    }
-    if (is<ICalibrationConstantsFunctionalTOF1>(functional)) {
-      return createTransformatorTof(functional,
-                                    physicalOf<ICalibrationConstantsPhysicalTOF>(physical));
-    }
-    if (is<ICalibrationConstantsFunctionalFTMS>(functional)) {
-      return createTransformatorIcr(functional,
-                                    physicalOf<ICalibrationConstantsPhysicalFTMS>(physical));
-    }
-    if (is<ICalibrationConstantsFunctionalHalyard>(functional)) {
-      return createTransformatorTrap(functional,
-                                     physicalOf<ICalibrationConstantsPhysicalHalyard>(physical));
-    }
-    if (is<ICalibrationConstantsFunctionalLinear>(functional)) {
-      return createTransformatorLinear(functional,
-                                       physicalOf<ICalibrationConstantsPhysicalLinear>(physical));
-    }
+      const ICalibrationConstantsFunctionalPtr& f,
+      const ICalibrationConstantsPhysicalPtr& p) const override {
+    if (is<FunctionalTOF2>(f)) return createTransformatorTof2(f, physicalOf<PhysicalTOF>(p));
+    if (is<FunctionalTOF1>(f)) return createTransformatorTof(f, physicalOf<PhysicalTOF>(p));
+    if (is<FunctionalFTMS>(f)) return createTransformatorIcr(f, physicalOf<PhysicalFTMS>(p));
+    if (is<FunctionalHalyard>(f)) return createTransformatorTrap(f, physicalOf<PhysicalHalyard>(p));
+    if (is<FunctionalLinear>(f)) return createTransformatorLinear(f, physicalOf<PhysicalLinear>(p));
     LUMO_THROW(
         std::invalid_argument("CalibrationTransformatorFactory::createTransformator: invalid "
                               "transformator: type unknown"));

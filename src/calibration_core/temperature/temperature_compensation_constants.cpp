@@ -21,10 +21,9 @@ void writeList(std::ostream& os, const std::vector<double>& values) {
 namespace detail {
 
 template <class Derived, class Family, int kCalibrationType>
-std::string TemperatureCompensated<Derived, Family, kCalibrationType>::DumpCompensation(
-    const char* head, const char* afterMode) const {
+std::string TemperatureCompensated<Derived, Family, kCalibrationType>::Dump() const {
   DumpStream os;
-  os << head << mode_ << afterMode;
+  os << Derived::kDumpHead << mode_ << Derived::kDumpAfterMode;
   writeList(os, measTemp_);
   os << "), correction factors: (";
   writeList(os, factors_);
@@ -67,12 +66,6 @@ double TemperatureCompensated<Derived, Family, kCalibrationType>::ScaleFrom(
 
 }  // namespace detail
 
-std::string CalibrationConstantsFunctionalTOF1TemperatureCompensation::Dump() const {
-  return DumpCompensation(
-      "\tCalibrationConstantsFunctionalTOF1TemperatureCompensation[ compensation mode = ",
-      ", temperatures: (");
-}
-
 void CalibrationConstantsFunctionalTOF1TemperatureCompensation::AdaptToReference(
     ICalibrationConstantsFunctionalTemperatureCompensationPtr referenceConstants,
     std::vector<double> referenceTemperatures, std::vector<double> temperatureFactors) {
@@ -90,12 +83,6 @@ void CalibrationConstantsFunctionalTOF1TemperatureCompensation::AdaptToReference
                       referenceTemperatures, temperatureFactors)) {
     AdaptQuadratic(*reference, referenceTemperatures, temperatureFactors);
   }
-}
-
-std::string CalibrationConstantsFunctionalTOF2TemperatureCompensation::Dump() const {
-  return DumpCompensation(
-      "\tCalibrationConstantsFunctionalTOF2TemperatureCompensation[ compensation mode = ",
-      " temperatures: (");
 }
 
 void CalibrationConstantsFunctionalTOF2TemperatureCompensation::AdaptToReference(
@@ -128,6 +115,13 @@ void CalibrationConstantsFunctionalTOF2TemperatureCompensation::AdaptToReference
   SetC3(tof2 ? tof2->GetC3() / s : 0.0);
   SetDm(tof2 ? tof2->GetDm() : 0.0);
 }
+
+template class detail::TemperatureCompensated<
+    CalibrationConstantsFunctionalTOF1TemperatureCompensation, CalibrationConstantsFunctionalTOF1,
+    kCalibrationTypeTOFTemperatureCompensation>;
+template class detail::TemperatureCompensated<
+    CalibrationConstantsFunctionalTOF2TemperatureCompensation, CalibrationConstantsFunctionalTOF2,
+    kCalibrationTypeTOF2TemperatureCompensation>;
 
 }  // namespace Constants
 }  // namespace calibration

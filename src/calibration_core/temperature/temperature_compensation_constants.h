@@ -76,6 +76,9 @@ class TemperatureCompensated
     return boost::make_shared<Derived>(static_cast<const Derived&>(*this));
   }
   int GetCalibrationType() const override { return kCalibrationType; }
+  // Derived::kDumpHead, the mode, Derived::kDumpAfterMode, the temperatures
+  // and the factors, then the family's own dump.
+  std::string Dump() const override;
   // The family's fields and the temperatures, factors and mode.
   bool IsEqual(const ICalibrationConstantsFunctionalPtr& other) const override {
     const ICalibrationConstantsFunctionalTemperatureCompensationPtr o =
@@ -100,10 +103,6 @@ class TemperatureCompensated
   TemperatureCompensated(const std::vector<double>& temperatures,
                          const std::vector<double>& factors, int strategy, FamilyArgs... args)
       : Family(args...), measTemp_(temperatures), factors_(factors), mode_(strategy) {}
-
-  // The compensation part of the dump: `head`, the mode, `afterMode`, the
-  // temperatures and the factors, then the family's own dump.
-  std::string DumpCompensation(const char* head, const char* afterMode) const;
 
   // Sets the mode for the measured temperatures (1 for one, 3 for more) and
   // tells whether both vectors have as many entries. Throws
@@ -139,7 +138,9 @@ class CalibrationConstantsFunctionalTOF1TemperatureCompensation final
                                                             int strategy, int calibMode = -1)
       : TemperatureCompensated(temperatures, factors, strategy, c0, c1, c2, calibMode) {}
 
-  std::string Dump() const override;
+  static constexpr const char* kDumpHead =
+      "\tCalibrationConstantsFunctionalTOF1TemperatureCompensation[ compensation mode = ";
+  static constexpr const char* kDumpAfterMode = ", temperatures: (";
 
   // Throws std::invalid_argument when `referenceConstants` is not TOF1, and
   // std::runtime_error without measured temperatures. When either vector's
@@ -163,7 +164,9 @@ class CalibrationConstantsFunctionalTOF2TemperatureCompensation final
                                                             int strategy, int calibMode = -1)
       : TemperatureCompensated(temperatures, factors, strategy, c0, c1, c2, c3, c4, calibMode) {}
 
-  std::string Dump() const override;
+  static constexpr const char* kDumpHead =
+      "\tCalibrationConstantsFunctionalTOF2TemperatureCompensation[ compensation mode = ";
+  static constexpr const char* kDumpAfterMode = " temperatures: (";
 
   // The reference may be TOF2 or TOF1 (c3 and dm 0.0 then). Throws
   // std::invalid_argument for a reference of neither family and for vector
