@@ -80,12 +80,10 @@ clang:
 fuzz:
 	@KORA_BOOTSTRAP_CLANG=1 bash scripts/bootstrap.sh
 	@cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKORA_BUILD_TESTS=OFF -DKORA_BUILD_FUZZERS=ON \
+		-DKORA_BUILD_PYTHON=OFF -DKORA_SANITIZE=address,undefined \
 		-DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ >/dev/null
 	@cmake --build build-fuzz -j $(JOBS)
 
-clean:
-	rm -rf build build-bench build-asan build-tsan build-clang build-fuzz
-		-DKORA_BUILD_PYTHON=OFF -DKORA_SANITIZE=address,undefined \
 # Every fuzz target for FUZZ_SECONDS (default 10 minutes each):
 # make fuzz-run FUZZ_SECONDS=60
 FUZZ_SECONDS ?= 600
@@ -93,3 +91,5 @@ FUZZ_SECONDS ?= 600
 fuzz-run: fuzz
 	@bash fuzz/run_fuzzers.sh build-fuzz $(FUZZ_SECONDS)
 
+clean:
+	rm -rf build build-bench build-asan build-tsan build-clang build-fuzz
