@@ -21,17 +21,7 @@ namespace calibration {
 namespace Transformation {
 namespace {
 
-using testing::digitizer;
-using testing::ftms04;
-using testing::ftms1356;
-using testing::halyard;
-using testing::line;
-using testing::linear;
-using testing::rawMassAxis;
-using testing::thrownText;
-using testing::tof1;
-using testing::tof2;
-using testing::transient;
+using namespace testing;  // the models and constants of the tests
 
 const ICalibrationTransformatorFactory& factory() { return transformatorFactory(); }
 
