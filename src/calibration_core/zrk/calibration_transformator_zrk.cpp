@@ -198,32 +198,36 @@ void CalibrationTransformatorZRK::MassesToPreciseMassesBlock(const double* in, d
   }
 }
 
+void CalibrationTransformatorZRK::RunBatch(Block block, const std::vector<double>& in,
+                                           std::vector<double>& out,
+                                           const char* failureText) const {
+  out.resize(in.size());
+  detail::zrkLoop(
+      [this, block](const double* source, double* destination, std::ptrdiff_t& i,
+                    std::ptrdiff_t end) { (this->*block)(source, destination, i, end); },
+      in, out, failureText);
+}
+
 void CalibrationTransformatorZRK::PreciseMassesToMasses(std::vector<double>& values) const {
-  detail::zrkLoop([this](const double* in, double* out, std::ptrdiff_t& i,
-                         std::ptrdiff_t end) { PreciseMassesToMassesBlock(in, out, i, end); },
-                  values, values, detail::kBatchFailedText);
+  RunBatch(&CalibrationTransformatorZRK::PreciseMassesToMassesBlock, values, values,
+           detail::kBatchFailedText);
 }
 
 void CalibrationTransformatorZRK::PreciseMassesToMasses(const std::vector<double>& preciseMasses,
                                                         std::vector<double>& masses) const {
-  masses.resize(preciseMasses.size());
-  detail::zrkLoop([this](const double* in, double* out, std::ptrdiff_t& i,
-                         std::ptrdiff_t end) { PreciseMassesToMassesBlock(in, out, i, end); },
-                  preciseMasses, masses, detail::kPreciseBatchFailedText);
+  RunBatch(&CalibrationTransformatorZRK::PreciseMassesToMassesBlock, preciseMasses, masses,
+           detail::kPreciseBatchFailedText);
 }
 
 void CalibrationTransformatorZRK::MassesToPreciseMasses(std::vector<double>& values) const {
-  detail::zrkLoop([this](const double* in, double* out, std::ptrdiff_t& i,
-                         std::ptrdiff_t end) { MassesToPreciseMassesBlock(in, out, i, end); },
-                  values, values, detail::kBatchFailedText);
+  RunBatch(&CalibrationTransformatorZRK::MassesToPreciseMassesBlock, values, values,
+           detail::kBatchFailedText);
 }
 
 void CalibrationTransformatorZRK::MassesToPreciseMasses(const std::vector<double>& masses,
                                                         std::vector<double>& preciseMasses) const {
-  preciseMasses.resize(masses.size());
-  detail::zrkLoop([this](const double* in, double* out, std::ptrdiff_t& i,
-                         std::ptrdiff_t end) { MassesToPreciseMassesBlock(in, out, i, end); },
-                  masses, preciseMasses, detail::kBatchFailedText);
+  RunBatch(&CalibrationTransformatorZRK::MassesToPreciseMassesBlock, masses, preciseMasses,
+           detail::kBatchFailedText);
 }
 
 void CalibrationTransformatorZRK::MassToRaw(std::vector<double>& values) const {

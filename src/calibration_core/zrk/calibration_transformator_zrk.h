@@ -166,6 +166,11 @@ class CalibrationTransformatorZRK final
                                   std::ptrdiff_t end) const;
   void MassesToPreciseMassesBlock(const double* in, double* out, std::ptrdiff_t& i,
                                   std::ptrdiff_t end) const;
+  typedef void (CalibrationTransformatorZRK::*Block)(const double*, double*, std::ptrdiff_t&,
+                                                     std::ptrdiff_t) const;
+  // `out` resized to `in`, then `block` over all of it as in the batch forms.
+  void RunBatch(Block block, const std::vector<double>& in, std::vector<double>& out,
+                const char* failureText) const;
 
   // The correction f; empty without a polynomial.
   math::CFunction f;
