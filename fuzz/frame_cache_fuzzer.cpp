@@ -66,6 +66,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                                        kora_fuzz::PeakChecksum{&total}, lzf, 4194304,
                                        boost::optional<unsigned int>(4000), &logged, 1, scan);
       } catch (const CorruptScanDataError&) {
+        break;  // as a read does: a scan that fails ends it
       }
     }
   } catch (const CorruptDataError&) {
