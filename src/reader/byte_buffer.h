@@ -7,6 +7,7 @@
 #define KORA_READER_BYTE_BUFFER_H_
 
 #include <boost/core/noinit_adaptor.hpp>
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -16,6 +17,13 @@ namespace kora {
 namespace detail {
 
 using ByteBuffer = std::vector<unsigned char, boost::noinit_adaptor<std::allocator<unsigned char>>>;
+
+// Makes `buffer` hold `n` bytes of unspecified value. Growing past the
+// capacity does not copy the old bytes: a larger buffer is taken afresh.
+inline void resizeDiscarding(ByteBuffer& buffer, size_t n) {
+  if (n > buffer.capacity()) ByteBuffer().swap(buffer);
+  buffer.resize(n);
+}
 
 }  // namespace detail
 }  // namespace kora

@@ -66,7 +66,7 @@ void OxaFrameReader::fill(std::istream& stream, int64_t frame_id, int64_t kora_i
   // A frameSize below 8 wraps c to nearly 4 GiB: refused as the buffer's
   // length error rather than attempted.
   if (c > kMaxFrameSize) LUMO_THROW(std::length_error("vector::_M_default_append"));
-  compressed.resize(c);
+  detail::resizeDiscarding(compressed, c);
   stream.read(reinterpret_cast<char*>(compressed.data()), c);
   if (stream.gcount() != static_cast<std::streamsize>(c))
     LUMO_THROW(CorruptFrameDataError(frame_id, "Error reading frame data."));
@@ -75,7 +75,7 @@ void OxaFrameReader::fill(std::istream& stream, int64_t frame_id, int64_t kora_i
   if (ZSTD_isError(static_cast<size_t>(content)))
     throwZstdError(frame_id, static_cast<size_t>(content));
   const uint32_t d = static_cast<uint32_t>(content);
-  decompressed.resize(d);
+  detail::resizeDiscarding(decompressed, d);
   const size_t result = ZSTD_decompressDCtx(dctx, decompressed.data(), d, compressed.data(), c);
   if (ZSTD_isError(result)) throwZstdError(frame_id, result);
 

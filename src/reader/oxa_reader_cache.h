@@ -102,7 +102,7 @@ void OxaReaderCache::fill(std::istream& stream, int64_t frame_id, int64_t kora_i
       total > static_cast<uint64_t>(std::numeric_limits<std::streamsize>::max()))
     LUMO_THROW(
         CorruptFrameDataError(frame_id, "Binary scan data block too large for std::vector<>"));
-  if (data.size() < total) data.resize(static_cast<size_t>(total));
+  if (data.size() < total) detail::resizeDiscarding(data, static_cast<size_t>(total));
 
   blockStart = start;
   runSize = total;
