@@ -84,9 +84,13 @@ AnalysisSpec AnalysisSpec::make(int schema_major, int compression_type, uint32_t
 
 FrameRow& AnalysisSpec::addFrame(FrameBlock block) {
   blocks.push_back(std::move(block));
+  return addFrameRow(blocks.size() - 1);
+}
+
+FrameRow& AnalysisSpec::addFrameRow(size_t block) {
   FrameRow row;
   row.id = static_cast<int64_t>(frames.size()) + 1;
-  row.block = blocks.size() - 1;
+  row.block = block;
   frames.push_back(row);
   return frames.back();
 }

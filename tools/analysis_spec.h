@@ -200,6 +200,9 @@ struct AnalysisSpec {
   // id = number of frames + 1; returns the new row for further settings.
   FrameRow& addFrame(FrameBlock block);
   FrameRow& addFrame(std::vector<Scan> scans);
+  // Appends a frame row pointing at block `block`, with id = number of
+  // frames + 1, and returns it.
+  FrameRow& addFrameRow(size_t block);
 };
 
 }  // namespace writer

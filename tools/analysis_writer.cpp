@@ -1,10 +1,12 @@
 #include "tools/analysis_writer.h"
 
 #include <boost/filesystem/operations.hpp>
+#include <cassert>
 #include <fstream>
 #include <stdexcept>
 
 #include "sys/throw.h"
+#include "tools/block_encoder.h"
 #include "tools/oxa_database_writer.h"
 
 namespace lumo {
@@ -23,9 +25,21 @@ void writeFiller(std::ofstream& out, uint64_t n) {
   }
 }
 
-}  // namespace
+// The blocks of spec.blocks, in order.
+class SpecBlocks : public BlockSource {
+ public:
+  explicit SpecBlocks(const std::vector<FrameBlock>& blocks) : blocks_(blocks) {}
+  const FrameBlock* next() override {
+    return next_ < blocks_.size() ? &blocks_[next_++] : nullptr;
+  }
 
-WrittenAnalysis writeAnalysis(const AnalysisSpec& spec, const boost::filesystem::path& dir) {
+ private:
+  const std::vector<FrameBlock>& blocks_;
+  size_t next_ = 0;
+};
+
+WrittenAnalysis write(const AnalysisSpec& spec, BlockSource& blocks,
+                      const boost::filesystem::path& dir) {
   boost::filesystem::create_directories(dir);
   const boost::filesystem::path bin_path = dir / "analysis.oxa_bin";
   const boost::filesystem::path oxa_path = dir / "analysis.oxa";
@@ -40,15 +54,17 @@ WrittenAnalysis writeAnalysis(const AnalysisSpec& spec, const boost::filesystem:
   } else {
     boost::filesystem::remove(bin_path);
   }
+  BlockEncoder encoder;
   uint64_t pos = 0;
-  for (const FrameBlock& block : spec.blocks) {
-    const Bytes bytes = encodeBlock(block, spec.compressionType);
+  while (const FrameBlock* block = blocks.next()) {
+    const Bytes& bytes = encoder.encode(*block, spec.compressionType);
     if (out.is_open()) {
-      writeFiller(out, block.gapBefore);
+      writeFiller(out, block->gapBefore);
       out.write(reinterpret_cast<const char*>(bytes.data()),
                 static_cast<std::streamsize>(bytes.size()));
+      if (!out) LUMO_THROW_NO_TRACE(std::runtime_error("Cannot write " + bin_path.string()));
     }
-    pos += block.gapBefore;
+    pos += block->gapBefore;
     written.blockOffsets.push_back(pos);
     pos += bytes.size();
   }
@@ -71,6 +87,19 @@ WrittenAnalysis writeAnalysis(const AnalysisSpec& spec, const boost::filesystem:
     boost::filesystem::remove(store_path);
   }
   return written;
+}
+
+}  // namespace
+
+WrittenAnalysis writeAnalysis(const AnalysisSpec& spec, const boost::filesystem::path& dir) {
+  SpecBlocks blocks(spec.blocks);
+  return write(spec, blocks, dir);
+}
+
+WrittenAnalysis writeAnalysis(const AnalysisSpec& spec, BlockSource& blocks,
+                              const boost::filesystem::path& dir) {
+  assert(spec.blocks.empty());
+  return write(spec, blocks, dir);
 }
 
 }  // namespace writer

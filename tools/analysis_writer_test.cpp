@@ -302,6 +302,49 @@ TEST(AnalysisWriter, RewritingADirectoryReplacesBothFilesByteForByte) {
   }
 }
 
+TEST(AnalysisWriter, StreamedBlocksGiveTheFilesOfTheInMemoryWrite) {
+  GeneratorOptions sparse;
+  sparse.numFrames = 5;
+  sparse.emptyFrames = {2};  // an empty frame in a slot that held a full one
+  for (const GeneratorOptions& o : {sparse, GeneratorOptions::realistic(3, 3)}) {
+    for (int form : {1, 2}) {
+      TempDir whole, streamed;
+      const AnalysisSpec spec = generateAnalysis(o, 3, form);
+      const WrittenAnalysis w = writeAnalysis(spec, whole.path());
+      GeneratedBlocks blocks(o);
+      const WrittenAnalysis s =
+          writeAnalysis(generatedAnalysisRows(o, 3, form), blocks, streamed.path());
+      EXPECT_EQ(s.blockOffsets, w.blockOffsets);
+      EXPECT_EQ(s.binSize, w.binSize);
+      const Bytes bin = readFile(streamed.path() / "analysis.oxa_bin");
+      EXPECT_EQ(bin, readFile(whole.path() / "analysis.oxa_bin"));
+      EXPECT_EQ(readFile(streamed.path() / "analysis.oxa"), readFile(whole.path() / "analysis.oxa"));
+      // A compression context kept from frame to frame changes no byte.
+      uint64_t peaks = 0;
+      for (size_t b = 0; b < spec.blocks.size(); ++b) {
+        const Bytes alone = encodeBlock(spec.blocks[b], form);
+        ASSERT_LE(w.blockOffsets[b] + alone.size(), bin.size());
+        EXPECT_EQ(Bytes(bin.begin() + w.blockOffsets[b],
+                        bin.begin() + w.blockOffsets[b] + alone.size()),
+                  alone);
+        for (const Scan& scan : spec.blocks[b].scans) peaks += scan.size();
+      }
+      EXPECT_EQ(blocks.peaks(), peaks);
+      EXPECT_EQ(blocks.next(), nullptr);
+    }
+  }
+}
+
+TEST(AnalysisWriter, FrameRowPointingPastTheStreamedBlocksIsRefused) {
+  TempDir dir;
+  GeneratorOptions o;
+  o.numFrames = 2;
+  AnalysisSpec spec = generatedAnalysisRows(o, 3, 2);
+  spec.addFrameRow(2);
+  GeneratedBlocks blocks(o);
+  EXPECT_THROW(writeAnalysis(spec, blocks, dir.path()), std::out_of_range);
+}
+
 TEST(AnalysisWriter, CalibrationStoreHoldsExactlyTheGivenTables) {
   TempDir dir;
   AnalysisSpec spec = AnalysisSpec::make(3, 2);

@@ -1,12 +1,13 @@
 // Encodes one FrameBlock into the bytes of analysis.oxa_bin, in either form,
 // applying the block's overrides and damage.
+#include "tools/block_encoder.h"
+
 #include <algorithm>
 #include <cassert>
 #include <stdexcept>
 
 #include "sys/throw.h"
 #include "tools/analysis_writer.h"
-#include "tools/frame_encoding.h"
 
 namespace lumo {
 namespace writer {
@@ -79,50 +80,50 @@ Bytes encodeLzfBlock(const FrameBlock& block) {
   return out;
 }
 
+}  // namespace
+
 // Form 2: block size, number of scans, then one Zstandard frame of the
 // byte-plane word table.
-Bytes encodeZstdBlock(const FrameBlock& block) {
-  Bytes payload;
+void BlockEncoder::encodeZstd(const FrameBlock& block) {
+  out_.resize(8);
   if (block.storedPayload) {
-    payload = *block.storedPayload;
+    out_.insert(out_.end(), block.storedPayload->begin(), block.storedPayload->end());
   } else if (!block.noPayload) {
-    Bytes expanded;
+    const Bytes* expanded = &planes_;
     if (block.expandedPayload) {
-      expanded = *block.expandedPayload;
+      expanded = &*block.expandedPayload;
     } else if (block.wordTable) {
-      expanded = toBytePlanes(*block.wordTable);
+      toBytePlanes(*block.wordTable, planes_);
     } else {
-      expanded = toBytePlanes(encodeFrameWordTable(block.scans, block.oddWordScans));
+      encodeFrameWordTable(block.scans, block.oddWordScans, words_);
+      toBytePlanes(words_, planes_);
     }
-    payload = zstdCompress(expanded, !block.omitContentSize);
+    zstd_.compress(expanded->data(), expanded->size(), !block.omitContentSize, 3, out_);
   }
   const uint32_t num_scans =
       block.numScans.value_or(checkedU32(block.scans.size(), "Number of scans"));
-  const uint32_t frame_size =
-      block.frameSize.value_or(checkedU32(8 + static_cast<uint64_t>(payload.size()), "Frame size"));
-  Bytes out(8);
-  putLe32(out, 0, frame_size);
-  putLe32(out, 4, num_scans);
-  out.insert(out.end(), payload.begin(), payload.end());
-  return out;
+  const uint32_t frame_size = block.frameSize.value_or(checkedU32(out_.size(), "Frame size"));
+  putLe32(out_, 0, frame_size);
+  putLe32(out_, 4, num_scans);
 }
 
-}  // namespace
-
-Bytes encodeBlock(const FrameBlock& block, int compression_type) {
-  Bytes out;
+const Bytes& BlockEncoder::encode(const FrameBlock& block, int compression_type) {
   if (block.rawBlock) {
-    out = *block.rawBlock;
+    out_ = *block.rawBlock;
   } else if (compression_type == 1) {
-    out = encodeLzfBlock(block);
+    out_ = encodeLzfBlock(block);
   } else if (compression_type == 2) {
-    out = encodeZstdBlock(block);
+    encodeZstd(block);
   } else {
     LUMO_THROW_NO_TRACE(std::invalid_argument("Compression type must be 1 or 2, not " +
                                               std::to_string(compression_type) + "."));
   }
-  if (block.truncateTo && *block.truncateTo < out.size()) out.resize(*block.truncateTo);
-  return out;
+  if (block.truncateTo && *block.truncateTo < out_.size()) out_.resize(*block.truncateTo);
+  return out_;
+}
+
+Bytes encodeBlock(const FrameBlock& block, int compression_type) {
+  return BlockEncoder().encode(block, compression_type);
 }
 
 }  // namespace writer

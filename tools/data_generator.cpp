@@ -45,9 +45,10 @@ uint32_t longTailIntensity(Random& rng, uint32_t max) {
   return v >= static_cast<double>(max) ? max : static_cast<uint32_t>(v);
 }
 
-Scan sparseScan(Random& rng, const GeneratorOptions& o) {
-  Scan scan;
-  if (rng.unit() < o.emptyScanFraction) return scan;
+void sparseScan(Random& rng, const GeneratorOptions& o, Scan& scan) {
+  scan.indices.clear();
+  scan.intensities.clear();
+  if (rng.unit() < o.emptyScanFraction) return;
   const uint64_t count =
       std::min<uint64_t>(1 + rng.below(2 * std::max<uint32_t>(o.meanPeaksPerScan, 1)), o.numBins);
   scan.indices.reserve(count);
@@ -61,19 +62,20 @@ Scan sparseScan(Random& rng, const GeneratorOptions& o) {
     // Now and then a stored zero, which is a peak like any other.
     scan.intensities.push_back(rng.below(64) == 0 ? 0 : longTailIntensity(rng, o.maxIntensity));
   }
-  return scan;
 }
 
 // Peaks come in runs of 1 to 7 adjacent bins around an apex, runs placed
 // more densely at low indices; overlapping runs add up.
-Scan realisticScan(Random& rng, const GeneratorOptions& o, uint32_t s) {
+// `peaks` is scratch space, kept by the caller between scans.
+void realisticScan(Random& rng, const GeneratorOptions& o, uint32_t s,
+                   std::vector<std::pair<uint32_t, uint64_t>>& peaks, Scan& scan) {
   const double n = o.scansPerFrame;
   const double x = (s + 0.5) / n;
   // Rises and falls over the scans; the factor 1.5 makes the mean over a
   // frame meanPeaksPerScan.
   const double target = 1.5 * o.meanPeaksPerScan * 4.0 * x * (1.0 - x);
   const uint64_t count = static_cast<uint64_t>(target * (0.5 + rng.unit()));
-  std::vector<std::pair<uint32_t, uint64_t>> peaks;
+  peaks.clear();
   peaks.reserve(count + 8);
   while (peaks.size() < count) {
     const uint32_t len = std::min<uint32_t>(1 + static_cast<uint32_t>(rng.below(7)), o.numBins);
@@ -87,7 +89,8 @@ Scan realisticScan(Random& rng, const GeneratorOptions& o, uint32_t s) {
     }
   }
   std::sort(peaks.begin(), peaks.end());
-  Scan scan;
+  scan.indices.clear();
+  scan.intensities.clear();
   scan.indices.reserve(peaks.size());
   scan.intensities.reserve(peaks.size());
   for (const auto& p : peaks) {
@@ -100,31 +103,73 @@ Scan realisticScan(Random& rng, const GeneratorOptions& o, uint32_t s) {
           static_cast<uint32_t>(std::min<uint64_t>(p.second, o.maxIntensity)));
     }
   }
-  return scan;
 }
 
 }  // namespace
 
-std::vector<std::vector<Scan>> generateFrames(const GeneratorOptions& o) {
-  assert(o.numBins > 0);
-  Random rng(o.seed);
-  std::vector<std::vector<Scan>> frames(o.numFrames);
-  for (uint32_t f = 0; f < o.numFrames; ++f) {
-    std::vector<Scan>& scans = frames[f];
-    scans.resize(o.scansPerFrame);
-    if (o.emptyFrames.count(f)) continue;
-    for (uint32_t s = 0; s < o.scansPerFrame; ++s) {
-      scans[s] =
-          o.mode == GeneratorOptions::Mode::Sparse ? sparseScan(rng, o) : realisticScan(rng, o, s);
+FrameGenerator::FrameGenerator(const GeneratorOptions& options)
+    : options_(options), rng_(options.seed) {
+  assert(options.numBins > 0);
+}
+
+void FrameGenerator::next(std::vector<Scan>& scans) {
+  assert(remaining() > 0);
+  const uint32_t f = frame_++;
+  scans.resize(options_.scansPerFrame);
+  if (options_.emptyFrames.count(f)) {
+    for (Scan& scan : scans) {
+      scan.indices.clear();
+      scan.intensities.clear();
+    }
+    return;
+  }
+  for (uint32_t s = 0; s < options_.scansPerFrame; ++s) {
+    if (options_.mode == GeneratorOptions::Mode::Sparse) {
+      sparseScan(rng_, options_, scans[s]);
+    } else {
+      realisticScan(rng_, options_, s, peaks_, scans[s]);
     }
   }
+}
+
+std::vector<std::vector<Scan>> generateFrames(const GeneratorOptions& o) {
+  FrameGenerator generator(o);
+  std::vector<std::vector<Scan>> frames(o.numFrames);
+  for (std::vector<Scan>& scans : frames) generator.next(scans);
   return frames;
+}
+
+GeneratedBlocks::GeneratedBlocks(const GeneratorOptions& options) : generator_(options) {}
+
+const FrameBlock* GeneratedBlocks::next() {
+  if (current_ < 0) {
+    if (generator_.remaining() == 0) return nullptr;
+    current_ = 0;
+    generator_.next(blocks_[0].scans);
+  } else {
+    if (!ahead_.valid()) return nullptr;
+    ahead_.get();
+    current_ ^= 1;
+  }
+  if (generator_.remaining() > 0) {
+    ahead_ = std::async(std::launch::async,
+                        [this, slot = current_ ^ 1] { generator_.next(blocks_[slot].scans); });
+  }
+  for (const Scan& scan : blocks_[current_].scans) peaks_ += scan.size();
+  return &blocks_[current_];
 }
 
 AnalysisSpec generateAnalysis(const GeneratorOptions& options, int schema_major,
                               int compression_type) {
   AnalysisSpec spec = AnalysisSpec::make(schema_major, compression_type, options.numBins);
   for (auto& scans : generateFrames(options)) spec.addFrame(std::move(scans));
+  return spec;
+}
+
+AnalysisSpec generatedAnalysisRows(const GeneratorOptions& options, int schema_major,
+                                   int compression_type) {
+  AnalysisSpec spec = AnalysisSpec::make(schema_major, compression_type, options.numBins);
+  for (uint32_t f = 0; f < options.numFrames; ++f) spec.addFrameRow(f);
   return spec;
 }
 

@@ -10,10 +10,13 @@
 
 #include <array>
 #include <cstdint>
+#include <future>
 #include <set>
+#include <utility>
 #include <vector>
 
 #include "tools/analysis_spec.h"
+#include "tools/analysis_writer.h"
 #include "tools/calibration_rows.h"
 
 namespace lumo {
@@ -64,15 +67,60 @@ struct GeneratorOptions {
   static GeneratorOptions realistic(uint64_t seed, uint32_t num_frames);
 };
 
+// Makes the frames of `options` one at a time: the n-th call of next()
+// gives frame n of generateFrames(options). Memory does not grow with the
+// number of frames. Thread-compatible.
+class FrameGenerator {
+ public:
+  explicit FrameGenerator(const GeneratorOptions& options);
+
+  uint32_t remaining() const { return options_.numFrames - frame_; }
+
+  // Replaces `scans` with the scansPerFrame scans of the next frame, reusing
+  // the capacity `scans` already has. REQUIRES: remaining() > 0.
+  void next(std::vector<Scan>& scans);
+
+ private:
+  const GeneratorOptions options_;
+  Random rng_;
+  uint32_t frame_ = 0;
+  std::vector<std::pair<uint32_t, uint64_t>> peaks_;  // scratch of one scan
+};
+
 // The scans of every frame, numFrames entries of scansPerFrame scans each.
 // Every scan satisfies the invariant of Scan.
 std::vector<std::vector<Scan>> generateFrames(const GeneratorOptions& options);
+
+// The blocks of generateAnalysis(options, ...) for the streaming
+// writeAnalysis, two frames in memory at a time: while the writer encodes one
+// block, the next is generated on a thread of its own.
+// Thread-compatible: next() from one thread at a time.
+class GeneratedBlocks : public BlockSource {
+ public:
+  explicit GeneratedBlocks(const GeneratorOptions& options);
+  const FrameBlock* next() override;
+  // Peaks in the blocks given so far.
+  uint64_t peaks() const { return peaks_; }
+
+ private:
+  FrameGenerator generator_;
+  FrameBlock blocks_[2];
+  int current_ = -1;  // slot of the block given last; -1 before the first
+  uint64_t peaks_ = 0;
+  // Fills the other slot; destroyed first, so it ends before the rest.
+  std::future<void> ahead_;
+};
 
 // AnalysisSpec::make(schema_major, compression_type, options.numBins) with
 // one frame (ids 1, 2, ...) per generated frame, in order; the peaks are in
 // spec.blocks[i].scans.
 AnalysisSpec generateAnalysis(const GeneratorOptions& options, int schema_major = 3,
                               int compression_type = 2);
+
+// generateAnalysis(options, ...) without the blocks: spec.blocks is empty and
+// frame row i points at block i of GeneratedBlocks(options).
+AnalysisSpec generatedAnalysisRows(const GeneratorOptions& options, int schema_major = 3,
+                                   int compression_type = 2);
 
 // The sample's m/z calibration: the head (time base 0.25, delay 20000,
 // reference temperatures 25.0 and 24.0, coefficients 12 and -4 ppm per

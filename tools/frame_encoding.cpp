@@ -86,8 +86,15 @@ Bytes lzfCompress(const Bytes& raw, bool literal_only) {
 
 std::vector<uint32_t> encodeFrameWordTable(const std::vector<Scan>& scans,
                                            const std::set<uint32_t>& odd_word_scans) {
+  std::vector<uint32_t> words;
+  encodeFrameWordTable(scans, odd_word_scans, words);
+  return words;
+}
+
+void encodeFrameWordTable(const std::vector<Scan>& scans, const std::set<uint32_t>& odd_word_scans,
+                          std::vector<uint32_t>& words) {
   const size_t n = scans.size();
-  std::vector<uint32_t> words(n, 0);
+  words.assign(n, 0);
   size_t total = n;
   for (size_t s = 0; s < n; ++s) {
     total += 2 * scans[s].size() + (odd_word_scans.count(static_cast<uint32_t>(s)) ? 1 : 0);
@@ -111,40 +118,54 @@ std::vector<uint32_t> encodeFrameWordTable(const std::vector<Scan>& scans,
     if (s + 1 < n) words[s + 1] = static_cast<uint32_t>(words.size() - start);
   }
   assert(words.size() == total);
-  return words;
 }
 
 Bytes toBytePlanes(const std::vector<uint32_t>& words) {
+  Bytes out;
+  toBytePlanes(words, out);
+  return out;
+}
+
+void toBytePlanes(const std::vector<uint32_t>& words, Bytes& out) {
   const size_t w = words.size();
-  Bytes out(4 * w);
+  out.resize(4 * w);
   for (size_t j = 0; j < w; ++j) {
     out[j] = static_cast<unsigned char>(words[j]);
     out[w + j] = static_cast<unsigned char>(words[j] >> 8);
     out[2 * w + j] = static_cast<unsigned char>(words[j] >> 16);
     out[3 * w + j] = static_cast<unsigned char>(words[j] >> 24);
   }
-  return out;
 }
 
 Bytes zstdCompress(const Bytes& raw, bool with_content_size, int level) {
-  ZSTD_CCtx* cctx = ZSTD_createCCtx();
-  if (cctx == nullptr) LUMO_THROW_NO_TRACE(std::runtime_error("ZSTD_createCCtx failed."));
-  size_t rc = ZSTD_CCtx_setParameter(cctx, ZSTD_c_compressionLevel, level);
+  Bytes out;
+  ZstdCompressor().compress(raw.data(), raw.size(), with_content_size, level, out);
+  return out;
+}
+
+ZstdCompressor::ZstdCompressor() : cctx_(ZSTD_createCCtx()) {
+  if (cctx_ == nullptr) LUMO_THROW_NO_TRACE(std::runtime_error("ZSTD_createCCtx failed."));
+}
+
+ZstdCompressor::~ZstdCompressor() { ZSTD_freeCCtx(cctx_); }
+
+void ZstdCompressor::compress(const unsigned char* raw, size_t size, bool with_content_size,
+                              int level, Bytes& out) {
+  size_t rc = ZSTD_CCtx_setParameter(cctx_, ZSTD_c_compressionLevel, level);
   if (!ZSTD_isError(rc)) {
-    rc = ZSTD_CCtx_setParameter(cctx, ZSTD_c_contentSizeFlag, with_content_size ? 1 : 0);
+    rc = ZSTD_CCtx_setParameter(cctx_, ZSTD_c_contentSizeFlag, with_content_size ? 1 : 0);
   }
-  Bytes out(ZSTD_compressBound(raw.size()));
+  const size_t at = out.size();
   if (!ZSTD_isError(rc)) {
+    out.resize(at + ZSTD_compressBound(size));
     // The content-size flag alone decides whether the header states the size.
-    rc = ZSTD_compress2(cctx, out.data(), out.size(), raw.data(), raw.size());
+    rc = ZSTD_compress2(cctx_, out.data() + at, out.size() - at, raw, size);
   }
-  ZSTD_freeCCtx(cctx);
   if (ZSTD_isError(rc)) {
     LUMO_THROW_NO_TRACE(
         std::runtime_error(std::string("Zstandard compression failed: ") + ZSTD_getErrorName(rc)));
   }
-  out.resize(rc);
-  return out;
+  out.resize(at + rc);
 }
 
 }  // namespace writer

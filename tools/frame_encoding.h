@@ -4,10 +4,14 @@
 #ifndef KORA_TOOLS_FRAME_ENCODING_H_
 #define KORA_TOOLS_FRAME_ENCODING_H_
 
+#include <cstddef>
 #include <cstdint>
+#include <set>
 #include <vector>
 
 #include "tools/analysis_spec.h"
+
+struct ZSTD_CCtx_s;
 
 namespace lumo {
 namespace writer {
@@ -38,13 +42,37 @@ Bytes lzfLiteralRuns(const Bytes& raw);
 // REQUIRES: indices strictly increasing per scan.
 std::vector<uint32_t> encodeFrameWordTable(const std::vector<Scan>& scans,
                                            const std::set<uint32_t>& odd_word_scans = {});
+// The same into `words`, which it replaces; its capacity is kept.
+void encodeFrameWordTable(const std::vector<Scan>& scans, const std::set<uint32_t>& odd_word_scans,
+                          std::vector<uint32_t>& words);
 
 // The byte-plane layout of a word table: byte k of word j at k * W + j.
 Bytes toBytePlanes(const std::vector<uint32_t>& words);
+// The same into `out`, which it replaces; its capacity is kept.
+void toBytePlanes(const std::vector<uint32_t>& words, Bytes& out);
 
 // One Zstandard frame of `raw`, with or without the content size in its
 // header. Throws std::runtime_error if Zstandard fails.
 Bytes zstdCompress(const Bytes& raw, bool with_content_size = true, int level = 3);
+
+// A Zstandard compression context kept over many frames; a frame it makes is
+// the one zstdCompress makes of the same bytes. Thread-compatible.
+class ZstdCompressor {
+ public:
+  // Throws std::runtime_error if Zstandard cannot make a context.
+  ZstdCompressor();
+  ~ZstdCompressor();
+  ZstdCompressor(const ZstdCompressor&) = delete;
+  ZstdCompressor& operator=(const ZstdCompressor&) = delete;
+
+  // Appends one Zstandard frame of the `size` bytes at `raw` to `out`.
+  // Throws std::runtime_error if Zstandard fails; `out` may then have grown.
+  void compress(const unsigned char* raw, size_t size, bool with_content_size, int level,
+                Bytes& out);
+
+ private:
+  ZSTD_CCtx_s* cctx_;
+};
 
 }  // namespace writer
 }  // namespace lumo

@@ -68,20 +68,18 @@ int main(int argc, char** argv) {
   if (mode == "sample") options.meanPeaksPerScan = 30;
   const int schema = 3;
   try {
+    // Frames are generated, encoded and written one at a time.
     AnalysisSpec spec =
-        lumo::writer::generateAnalysis(options, schema, static_cast<int>(compression));
+        lumo::writer::generatedAnalysisRows(options, schema, static_cast<int>(compression));
     for (lumo::writer::FrameRow& row : spec.frames) {
       row.rampTime = 90.0;
       row.t1 = 25.0 + 0.01 * static_cast<double>(row.id % 10);
       row.t2 = 24.5;
     }
     lumo::writer::addSampleCalibration(spec, options.scansPerFrame);
-    const lumo::writer::WrittenAnalysis written = lumo::writer::writeAnalysis(spec, dir);
-
-    uint64_t peaks = 0;
-    for (const auto& block : spec.blocks) {
-      for (const auto& scan : block.scans) peaks += scan.size();
-    }
+    lumo::writer::GeneratedBlocks blocks(options);
+    const lumo::writer::WrittenAnalysis written = lumo::writer::writeAnalysis(spec, blocks, dir);
+    const uint64_t peaks = blocks.peaks();
     std::cout << "kora-writer: wrote " << dir << ": schema " << schema << ", compression "
               << compression << ", " << frames << " frames of " << options.scansPerFrame
               << " scans, " << peaks << " peaks, seed " << seed << ", analysis.oxa_bin "

@@ -4,6 +4,7 @@
 
 #include <boost/filesystem/operations.hpp>
 #include <cassert>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -30,10 +31,12 @@ class Connection {
     if (sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) fail(sql);
   }
 
-  // Inserts one row per entry of `rows` into `table` with `columns`.
-  void insertRows(const std::string& table, const std::vector<std::string>& columns,
-                  const std::vector<std::vector<SqlValue>>& rows) {
-    if (columns.empty() || rows.empty()) return;
+  // Inserts `count` rows into `table` with `columns`; cell(r, c) is the
+  // value of column c in row r.
+  template <class Cell>
+  void insertRows(const std::string& table, const std::vector<std::string>& columns, size_t count,
+                  const Cell& cell) {
+    if (columns.empty() || count == 0) return;
     std::string sql = "INSERT INTO " + quote(table) + " (";
     std::string marks;
     for (size_t i = 0; i < columns.size(); ++i) {
@@ -41,24 +44,17 @@ class Connection {
       marks += i ? ", ?" : "?";
     }
     sql += ") VALUES (" + marks + ")";
-    sqlite3_stmt* stmt = nullptr;
-    if (sqlite3_prepare_v2(db_, sql.c_str(), -1, &stmt, nullptr) != SQLITE_OK) fail(sql);
-    for (const auto& row : rows) {
+    sqlite3_stmt* raw = nullptr;
+    if (sqlite3_prepare_v2(db_, sql.c_str(), -1, &raw, nullptr) != SQLITE_OK) fail(sql);
+    // Finalized on every path, also when `cell` throws.
+    const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> stmt(raw, sqlite3_finalize);
+    for (size_t r = 0; r < count; ++r) {
       for (size_t i = 0; i < columns.size(); ++i) {
-        const SqlValue none;
-        const int rc = bind(stmt, static_cast<int>(i) + 1, i < row.size() ? row[i] : none);
-        if (rc != SQLITE_OK) {
-          sqlite3_finalize(stmt);
-          fail(sql);
-        }
+        if (bind(raw, static_cast<int>(i) + 1, cell(r, i)) != SQLITE_OK) fail(sql);
       }
-      if (sqlite3_step(stmt) != SQLITE_DONE) {
-        sqlite3_finalize(stmt);
-        fail(sql);
-      }
-      sqlite3_reset(stmt);
+      if (sqlite3_step(raw) != SQLITE_DONE) fail(sql);
+      sqlite3_reset(raw);
     }
-    sqlite3_finalize(stmt);
   }
 
   static std::string quote(const std::string& name) { return "\"" + name + "\""; }
@@ -87,7 +83,8 @@ class Connection {
   sqlite3* db_ = nullptr;
 };
 
-void createTable(Connection& c, const Table& t) {
+// Creates table `t` without its rows.
+void createEmptyTable(Connection& c, const Table& t) {
   std::string sql = "CREATE TABLE " + Connection::quote(t.name) + " (";
   for (size_t i = 0; i < t.columns.size(); ++i) {
     sql += (i ? ", " : "") + Connection::quote(t.columns[i].name);
@@ -95,9 +92,17 @@ void createTable(Connection& c, const Table& t) {
   }
   sql += ")";
   c.exec(sql);
+}
+
+void createTable(Connection& c, const Table& t) {
+  createEmptyTable(c, t);
   std::vector<std::string> names;
   for (const Column& col : t.columns) names.push_back(col.name);
-  c.insertRows(t.name, names, t.rows);
+  // A row shorter than the columns is completed with NULLs.
+  const SqlValue none;
+  c.insertRows(t.name, names, t.rows.size(), [&](size_t r, size_t i) -> const SqlValue& {
+    return i < t.rows[r].size() ? t.rows[r][i] : none;
+  });
 }
 
 SqlValue frameCell(const FrameRow& row, const std::string& column,
@@ -105,7 +110,6 @@ SqlValue frameCell(const FrameRow& row, const std::string& column,
   if (column == "Id") return row.id;
   if (column == "KoraId") {
     if (!row.block) return row.koraId;
-    assert(*row.block < block_offsets.size());
     return static_cast<int64_t>(block_offsets.at(*row.block)) + row.koraIdDelta;
   }
   if (column == "AccumulationTime") return row.accumulationTime;
@@ -138,23 +142,20 @@ std::vector<std::string> frameColumns(const AnalysisSpec& spec) {
 
 void writeOxaDatabase(const AnalysisSpec& spec, const std::vector<uint64_t>& block_offsets,
                       const boost::filesystem::path& file) {
-  assert(block_offsets.size() == spec.blocks.size());
   boost::filesystem::remove(file);
   Connection c(file.string());
   c.exec("BEGIN");
 
   if (!spec.omitTables.count("GlobalMetadata")) createTable(c, metadataTable(spec.metadata));
   if (!spec.omitTables.count("Frames")) {
+    // Rows are bound straight from spec.frames: no copy of the table is made.
     Table t{"Frames", {}, {}};
     const std::vector<std::string> columns = frameColumns(spec);
     for (const std::string& name : columns) t.columns.push_back({name, ""});
-    t.rows.reserve(spec.frames.size());
-    for (const FrameRow& row : spec.frames) {
-      std::vector<SqlValue> cells;
-      for (const std::string& name : columns) cells.push_back(frameCell(row, name, block_offsets));
-      t.rows.push_back(std::move(cells));
-    }
-    createTable(c, t);
+    createEmptyTable(c, t);
+    c.insertRows(t.name, columns, spec.frames.size(), [&](size_t r, size_t i) {
+      return frameCell(spec.frames[r], columns[i], block_offsets);
+    });
     if (!columns.empty() && columns.front() == "Id")
       c.exec("CREATE INDEX FramesById ON Frames (Id)");
   }

@@ -18,8 +18,8 @@ std::vector<std::string> frameColumns(const AnalysisSpec& spec);
 
 // Creates `file` afresh with the tables of `spec`. KoraId of a row with a
 // block is block_offsets[block] + koraIdDelta.
-// REQUIRES: block_offsets.size() == spec.blocks.size().
-// Throws std::runtime_error with SQLite's message on failure.
+// Throws std::runtime_error with SQLite's message on failure,
+// std::out_of_range for a row whose block is not in `block_offsets`.
 void writeOxaDatabase(const AnalysisSpec& spec, const std::vector<uint64_t>& block_offsets,
                       const boost::filesystem::path& file);
 
