@@ -14,6 +14,7 @@ packages=(
   liblzf-dev libgtest-dev libbenchmark-dev
   pybind11-dev python3-dev python3-numpy python3-pandas python3-pytest python3-tqdm
   python3-dask python3-distributed python3-matplotlib
+  python3-lxml python3-pymzml topp
 )
 # The Clang builds (make clang, make fuzz, make tsan) need clang, LLVM's OpenMP
 # runtime with its Archer tool for ThreadSanitizer, and the sanitizer runtimes.

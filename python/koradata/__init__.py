@@ -10,6 +10,7 @@ library's own text.
 """
 
 from . import _koradata
+from ._version import __version__
 from .analysis import COLUMNS, DEFAULT_COLUMNS, Analysis, Error, Scans
 
 Error.__module__ = __name__

@@ -15,14 +15,23 @@ from .analysis import COLUMN_DTYPES
 FRAMES_PER_CHUNK = 8
 
 
-def iter_chunks(analysis, frame_ids, columns, threads=None, on_frames=None):
-    """Yields one DataFrame of peaks per run of FRAMES_PER_CHUNK frames;
-    on_frames(n) is called after each run with its number of frames."""
+def iter_frame_chunks(analysis, frame_ids, columns, threads=None, on_frames=None,
+                      errors="raise"):
+    """Yields, per run of FRAMES_PER_CHUNK frames, its frame ids and the
+    DataFrame of their peaks (a query with ``errors``, see
+    :meth:`Analysis.query`); on_frames(n) is called after each run with its
+    number of frames."""
     for start in range(0, len(frame_ids), FRAMES_PER_CHUNK):
         ids = frame_ids[start:start + FRAMES_PER_CHUNK]
-        yield analysis.query(frames=ids, columns=columns, threads=threads)
+        yield ids, analysis.query(frames=ids, columns=columns, threads=threads, errors=errors)
         if on_frames is not None:
             on_frames(len(ids))
+
+
+def iter_chunks(analysis, frame_ids, columns, threads=None, on_frames=None):
+    """The DataFrames of :func:`iter_frame_chunks`."""
+    for _, chunk in iter_frame_chunks(analysis, frame_ids, columns, threads, on_frames):
+        yield chunk
 
 
 def write_text(chunks, path, separator):

@@ -272,6 +272,56 @@ class Analysis:
             table.attrs["skipped_frames"] = {int(ids[p]): text for p, text in result["errors"]}
         return table
 
+    def to_mzml(self, path, frames=None, layout="frame", compress="zlib", errors="raise",
+                threads=None, progress=False):
+        """Writes peaks as spectra to an indexed mzML 1.1 file, a few frames
+        at a time.
+
+        Parameters
+        ----------
+        path : str or os.PathLike
+            The mzML file; written only when the export succeeds.
+        frames : None, int, slice or iterable of int
+            Frame ids (see :meth:`frame_ids`), written in ascending id.
+        layout : {'frame', 'scan'}
+            One MS1 spectrum per frame, its peaks sorted by m/z with an
+            array of their 1/K0 (V s/cm^2); or one spectrum per non-empty
+            scan with the scan's 1/K0 as a scan attribute.
+        compress : {'zlib', 'none'}
+            Compression of the binary arrays.
+        errors : {'raise', 'skip'}
+            As in :meth:`query`; ``skip`` leaves unreadable frames out.
+        threads : int, optional
+            Decoding threads, as in :meth:`query`.
+        progress : bool
+            Show a tqdm progress bar over frames on stderr.
+
+        Returns
+        -------
+        dict
+            The skipped frames, frame id to error text.
+
+        Raises
+        ------
+        Error
+            As :meth:`query`; a build without conversions cannot export.
+        ValueError
+            An unknown ``layout``, ``compress`` or ``errors`` value.
+        """
+        from ._mzml import write_mzml
+
+        bar = None
+        if progress:
+            from tqdm import tqdm
+
+            bar = tqdm(total=len(np.unique(self.frame_ids(frames))), unit="frame")
+        try:
+            return write_mzml(self, path, frames, layout, compress, errors, threads,
+                              None if bar is None else bar.update)
+        finally:
+            if bar is not None:
+                bar.close()
+
     def peak_counts(self, frames=None, threads=None, progress=False):
         """Peaks per frame (int64 array, in the order of :meth:`frame_ids`);
         reads every frame. Raises :class:`Error` as :meth:`query`."""

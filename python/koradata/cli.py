@@ -15,7 +15,7 @@ import numpy as np
 from . import HAVE_CONVERSIONS, Analysis, Error, _export
 
 _COMPRESSION = {"1": "1 (LZF per scan)", "2": "2 (Zstandard per frame)"}
-_FORMATS = ("csv", "tsv", "npz")
+_FORMATS = ("csv", "tsv", "npz", "mzml")
 
 
 def _progress_bar(total, what):
@@ -105,6 +105,9 @@ def _export_command(args, analysis):
     if fmt is None:
         suffix = os.path.splitext(args.output)[1].lstrip(".").lower()
         fmt = suffix if suffix in _FORMATS else "csv"
+    if fmt == "mzml":
+        _export_mzml(args, analysis)
+        return
     columns = ["frame", "scan", "tof", "intensity"]
     if HAVE_CONVERSIONS:
         columns += ["mz", "inv_ion_mobility"]
@@ -123,6 +126,13 @@ def _export_command(args, analysis):
     finally:
         if bar is not None:
             bar.close()
+
+
+def _export_mzml(args, analysis):
+    skipped = analysis.to_mzml(args.output, args.frames, args.layout, args.compress,
+                               args.errors, args.threads, progress=sys.stderr.isatty())
+    for frame, text in skipped.items():
+        print(f"kora: skipped frame {frame}: {text}", file=sys.stderr)
 
 
 def _plot(args, analysis):
@@ -181,6 +191,14 @@ def _parser():
     export.add_argument("--format", choices=_FORMATS,
                         help="output format (default: from the file name, else csv)")
     export.add_argument("--threads", type=_positive, help="decoding threads")
+    export.add_argument("--layout", choices=("frame", "scan"), default="frame",
+                        help="mzML: one spectrum per frame, with a 1/K0 array, or per "
+                        "non-empty scan (default frame)")
+    export.add_argument("--compress", choices=("zlib", "none"), default="zlib",
+                        help="mzML: compression of the binary arrays (default zlib)")
+    export.add_argument("--errors", choices=("raise", "skip"), default="raise",
+                        help="mzML: stop at an unreadable frame (default), or leave it out "
+                        "and list it on stderr")
     plot = command("plot", _plot, "Heat map of a frame (m/z against 1/K0, log intensity) "
                    "or total intensity against retention time.")
     what = plot.add_mutually_exclusive_group(required=True)
