@@ -43,6 +43,7 @@ bench:
 	@cmake --build build-bench -j $(JOBS)
 	@for b in $$(find build-bench -name '*_bench' -type f -perm -u+x | sort); do echo "== $$b"; $$b; done
 	@echo "== bench/python_read_bench.py"; /usr/bin/python3 bench/python_read_bench.py build-bench
+	@echo "== bench/mzml_export_bench.py"; /usr/bin/python3 bench/mzml_export_bench.py build-bench
 
 asan:
 	@$(MAKE) test BUILD=build-asan CMAKE_FLAGS="-DKORA_SANITIZE=address,undefined"
