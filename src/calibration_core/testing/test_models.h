@@ -3,6 +3,8 @@
 #ifndef KORA_CALIBRATION_CORE_TESTING_TEST_MODELS_H_
 #define KORA_CALIBRATION_CORE_TESTING_TEST_MODELS_H_
 
+#include <omp.h>
+
 #include <boost/make_shared.hpp>
 #include <string>
 
@@ -78,6 +80,23 @@ boost::shared_ptr<Model> model(const ICalibrationConstantsFunctionalPtr& functio
 }
 
 using kora_testing::thrownText;
+
+// Runs `body` once, on one thread of a parallel region of two threads.
+// Returns whether that thread was in an active parallel region (not so
+// where OpenMP gives the region one thread only).
+template <class Body>
+bool inParallelRegion(const Body& body) {
+  bool active = false;
+#pragma omp parallel num_threads(2)
+  {
+#pragma omp single
+    {
+      active = omp_in_parallel();
+      body();
+    }
+  }
+  return active;
+}
 
 }  // namespace testing
 }  // namespace calibration

@@ -47,23 +47,23 @@ void BatchTransformation(Functor functor, std::vector<T>& values);
 namespace detail {
 
 // The block size of a parallel loop over n elements: about four blocks per
-// thread, at least 1 and at most kParallelBlockSize elements.
-inline std::ptrdiff_t parallelBlockSize(std::ptrdiff_t n) {
+// thread, at least 1 and at most `largest` elements.
+inline std::ptrdiff_t parallelBlockSize(std::ptrdiff_t n,
+                                        std::ptrdiff_t largest = kParallelBlockSize) {
   const std::ptrdiff_t quarterShare = n / (4 * static_cast<std::ptrdiff_t>(omp_get_max_threads()));
   if (quarterShare < 1) return 1;
-  return quarterShare < kParallelBlockSize ? quarterShare : kParallelBlockSize;
+  return quarterShare < largest ? quarterShare : largest;
 }
 
-// Runs run(i, end) over the blocks [i, end) of parallelBlockSize(n) elements
-// of [0, n) on the OpenMP threads; run advances i past every element it
+// Runs run(i, end) over the blocks [i, end) of `blockSize` elements of
+// [0, n) on the OpenMP threads; run advances i past every element it
 // completes, so that after a throw i is the failing element. skip(begin,
 // end) gets the elements a thread leaves out after a failure of its own: the
 // rest of the failing block and every later block it takes. Throws
 // std::runtime_error (kTransformationFailedText) when any element threw.
-// REQUIRES: not inside a parallel region.
+// REQUIRES: not inside a parallel region; blockSize >= 1.
 template <class Run, class Skip>
-void parallelLoop(std::ptrdiff_t n, const Run& run, const Skip& skip) {
-  const std::ptrdiff_t blockSize = parallelBlockSize(n);
+void parallelLoop(std::ptrdiff_t n, std::ptrdiff_t blockSize, const Run& run, const Skip& skip) {
   const std::ptrdiff_t blocks = (n + blockSize - 1) / blockSize;
   bool failed = false;
 #pragma omp parallel for schedule(dynamic, 1) reduction(|| : failed)
@@ -81,6 +81,12 @@ void parallelLoop(std::ptrdiff_t n, const Run& run, const Skip& skip) {
     if (i < end) skip(i, end);
   }
   if (failed) throwTransformationFailed();
+}
+
+// parallelLoop in blocks of parallelBlockSize(n).
+template <class Run, class Skip>
+void parallelLoop(std::ptrdiff_t n, const Run& run, const Skip& skip) {
+  parallelLoop(n, parallelBlockSize(n), run, skip);
 }
 
 }  // namespace detail

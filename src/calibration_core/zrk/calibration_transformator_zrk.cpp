@@ -31,30 +31,72 @@ const char* const kBatchFailedText =
 const char* const kPreciseBatchFailedText =
     "ZRK transformation failed, most likely due to bad calibration constants";
 
-// Runs block(source, destination, i, end), which converts the elements
-// from i up to end and advances i past each one it completes, over every
-// element of `in` into `out`; `in` and `out` have the same size and may be
-// one vector. Serial inside a parallel region, letting the first failure out
-// unchanged; otherwise on the OpenMP threads whatever the size, ending in
-// std::logic_error(failureText) when any element failed.
-template <class Block>
-void zrkLoop(const Block& block, const std::vector<double>& in, std::vector<double>& out,
-             const char* failureText) {
-  const std::ptrdiff_t n = static_cast<std::ptrdiff_t>(in.size());
-  const double* source = in.data();
-  double* destination = out.data();
-  if (omp_in_parallel()) {
-    std::ptrdiff_t i = 0;
-    block(source, destination, i, n);
-    return;
+// The largest block of a ZRK batch loop. A fused block's arrays (input,
+// base output, first-order inverse, check) stay in a core's cache.
+const std::ptrdiff_t kBlockSize = 2048;
+
+// The work arrays of the correction of one block. They keep their capacity
+// from block to block: a loop allocates on a thread's first block only,
+// and in that thread. Aligned apart so that two threads' arrays never share
+// a cache line.
+struct alignas(64) CorrectionScratch {
+  std::vector<double> masses, firstOrder, check;
+};
+
+// A fused block's arrays besides: its input, the masses between the two
+// steps, and its output.
+template <class In, class Out>
+struct FusedScratch : CorrectionScratch {
+  std::vector<In> in;
+  std::vector<double> between;
+  std::vector<Out> out;
+};
+
+// Whether the out-of-place conversions run the base and the correction
+// block by block: on two threads or more outside a parallel region. On one
+// thread the base's batch would open a parallel region of its own for every
+// block, which costs more than the passes over memory it saves.
+inline bool fuses() { return !omp_in_parallel() && omp_get_max_threads() > 1; }
+
+// Runs block(begin, end, scratch) over the blocks [begin, end) of [0, n)
+// on the OpenMP threads, each thread with its own Scratch. Throws
+// std::runtime_error (the loop's own report) when any block threw.
+// REQUIRES: not inside a parallel region.
+template <class Scratch, class Body>
+void blockLoop(std::ptrdiff_t n, const Body& body) {
+  std::vector<Scratch> scratch(static_cast<std::size_t>(omp_get_max_threads()));
+  Functors::detail::parallelLoop(
+      n, Functors::detail::parallelBlockSize(n, kBlockSize),
+      [&](std::ptrdiff_t& i, std::ptrdiff_t end) {
+        body(i, end, scratch[static_cast<std::size_t>(omp_get_thread_num())]);
+        i = end;
+      },
+      [](std::ptrdiff_t, std::ptrdiff_t) {});
+}
+
+// out = second(first(in)), with first(x, y, correctionScratch) and second
+// likewise filling y from x. Where fuses(), both run block by block on the threads
+// while the block is in cache; any failure there runs oneAfterTheOther(),
+// the two steps over the whole vector, so that the caller sees the failure
+// and the output that they give. Otherwise oneAfterTheOther() alone.
+template <class In, class Out, class First, class Second, class OneAfterTheOther>
+void fusedSteps(const std::vector<In>& in, std::vector<Out>& out, const First& first,
+                const Second& second, const OneAfterTheOther& oneAfterTheOther) {
+  if (!fuses() || static_cast<const void*>(&in) == static_cast<const void*>(&out)) {
+    return oneAfterTheOther();
   }
+  out.resize(in.size());
   try {
-    Functors::detail::parallelLoop(
-        n, [&](std::ptrdiff_t& i, std::ptrdiff_t end) { block(source, destination, i, end); },
-        [](std::ptrdiff_t, std::ptrdiff_t) {});
+    blockLoop<FusedScratch<In, Out>>(
+        static_cast<std::ptrdiff_t>(in.size()),
+        [&](std::ptrdiff_t begin, std::ptrdiff_t end, FusedScratch<In, Out>& s) {
+          s.in.assign(in.data() + begin, in.data() + end);
+          first(s.in, s.between, s);
+          second(s.between, s.out, s);
+          std::copy(s.out.begin(), s.out.end(), out.data() + begin);
+        });
   } catch (const std::runtime_error&) {
-    // The loop's own report of a failed element.
-    LUMO_THROW(std::logic_error(failureText));
+    oneAfterTheOther();
   }
 }
 
@@ -162,50 +204,100 @@ double CalibrationTransformatorZRK::SearchPreciseMass(double mass) const {
 // The blocks evaluate f through its vector form: one dispatch per block
 // instead of one per element.
 void CalibrationTransformatorZRK::PreciseMassesToMassesBlock(const double* in, double* out,
-                                                             std::ptrdiff_t& i,
-                                                             std::ptrdiff_t end) const {
-  if (!useCorrection || !f.IsInitialized()) {
-    for (; i < end; ++i) out[i] = in[i];
+                                                             std::ptrdiff_t count,
+                                                             detail::CorrectionScratch& s) const {
+  if (!Corrects()) {
+    std::copy(in, in + count, out);
     return;
   }
-  const std::vector<double> preciseMasses(in + i, in + end);
-  std::vector<double> masses;
-  f(preciseMasses, masses);
-  std::copy(masses.begin(), masses.end(), out + i);
-  i = end;
+  s.masses.assign(in, in + count);
+  f(s.masses, s.check);
+  std::copy(s.check.begin(), s.check.end(), out);
 }
 
 void CalibrationTransformatorZRK::MassesToPreciseMassesBlock(const double* in, double* out,
-                                                             std::ptrdiff_t& i,
-                                                             std::ptrdiff_t end) const {
-  if (!useCorrection || !f.IsInitialized()) {
-    for (; i < end; ++i) out[i] = in[i];
+                                                             std::ptrdiff_t count,
+                                                             detail::CorrectionScratch& s) const {
+  if (!Corrects()) {
+    std::copy(in, in + count, out);
     return;
   }
-  const std::vector<double> masses(in + i, in + end);
+  s.masses.assign(in, in + count);
   // First f of the masses, then, in place, their first-order inverses.
-  std::vector<double> firstOrder;
-  f(masses, firstOrder);
-  for (std::size_t k = 0; k < masses.size(); ++k) {
-    firstOrder[k] = (masses[k] - firstOrder[k]) + masses[k];
+  f(s.masses, s.firstOrder);
+  for (std::ptrdiff_t k = 0; k < count; ++k) {
+    s.firstOrder[k] = (s.masses[k] - s.firstOrder[k]) + s.masses[k];
   }
-  std::vector<double> check;
-  f(firstOrder, check);
-  for (std::size_t k = 0; i < end; ++i, ++k) {
-    out[i] = std::fabs(masses[k] - check[k]) < detail::kFirstOrderTolerance
-                 ? firstOrder[k]
-                 : SearchPreciseMass(masses[k]);
+  f(s.firstOrder, s.check);
+  for (std::ptrdiff_t k = 0; k < count; ++k) {
+    out[k] = std::fabs(s.masses[k] - s.check[k]) < detail::kFirstOrderTolerance
+                 ? s.firstOrder[k]
+                 : SearchPreciseMass(s.masses[k]);
   }
 }
 
+// A step of fusedSteps: `block` over all of `in` into `out`.
+auto CalibrationTransformatorZRK::CorrectionStep(Block block) const {
+  return [this, block](const std::vector<double>& in, std::vector<double>& out,
+                       detail::CorrectionScratch& scratch) {
+    out.resize(in.size());
+    (this->*block)(in.data(), out.data(), static_cast<std::ptrdiff_t>(in.size()), scratch);
+  };
+}
+
+// Serial inside a parallel region, letting the first failure out unchanged;
+// otherwise on the OpenMP threads whatever the size, ending in
+// std::logic_error(failureText) when any element failed.
 void CalibrationTransformatorZRK::RunBatch(Block block, const std::vector<double>& in,
                                            std::vector<double>& out,
                                            const char* failureText) const {
   out.resize(in.size());
-  detail::zrkLoop(
-      [this, block](const double* source, double* destination, std::ptrdiff_t& i,
-                    std::ptrdiff_t end) { (this->*block)(source, destination, i, end); },
-      in, out, failureText);
+  const std::ptrdiff_t n = static_cast<std::ptrdiff_t>(in.size());
+  const double* source = in.data();
+  double* destination = out.data();
+  if (omp_in_parallel()) {
+    detail::CorrectionScratch scratch;
+    (this->*block)(source, destination, n, scratch);
+    return;
+  }
+  try {
+    detail::blockLoop<detail::CorrectionScratch>(
+        n, [&](std::ptrdiff_t begin, std::ptrdiff_t end, detail::CorrectionScratch& scratch) {
+          (this->*block)(source + begin, destination + begin, end - begin, scratch);
+        });
+  } catch (const std::runtime_error&) {
+    // The loop's own report of a failed element.
+    LUMO_THROW(std::logic_error(failureText));
+  }
+}
+
+template <class In, class ToMass>
+void CalibrationTransformatorZRK::BaseThenCorrection(const std::vector<In>& in,
+                                                     std::vector<double>& masses,
+                                                     const ToMass& toMass) const {
+  if (!Corrects()) return toMass(in, masses);
+  detail::fusedSteps(
+      in, masses, [&](const auto& x, auto& y, detail::CorrectionScratch&) { toMass(x, y); },
+      CorrectionStep(&CalibrationTransformatorZRK::MassesToPreciseMassesBlock),
+      [&] {
+        toMass(in, masses);
+        MassesToPreciseMasses(masses);
+      });
+}
+
+template <class Out, class FromMass>
+void CalibrationTransformatorZRK::CorrectionThenBase(const std::vector<double>& masses,
+                                                     std::vector<Out>& out,
+                                                     const FromMass& fromMass) const {
+  if (!Corrects()) return fromMass(masses, out);
+  detail::fusedSteps(
+      masses, out, CorrectionStep(&CalibrationTransformatorZRK::PreciseMassesToMassesBlock),
+      [&](const auto& x, auto& y, detail::CorrectionScratch&) { fromMass(x, y); },
+      [&] {
+        std::vector<double> copy;
+        PreciseMassesToMasses(masses, copy);
+        fromMass(copy, out);
+      });
 }
 
 void CalibrationTransformatorZRK::PreciseMassesToMasses(std::vector<double>& values) const {
@@ -237,9 +329,9 @@ void CalibrationTransformatorZRK::MassToRaw(std::vector<double>& values) const {
 
 void CalibrationTransformatorZRK::MassToRaw(const std::vector<double>& masses,
                                             std::vector<double>& raws) const {
-  std::vector<double> copy;
-  PreciseMassesToMasses(masses, copy);
-  base()->MassToRaw(copy, raws);
+  CorrectionThenBase(masses, raws, [this](const std::vector<double>& in, std::vector<double>& out) {
+    base()->MassToRaw(in, out);
+  });
 }
 
 double CalibrationTransformatorZRK::MassToRaw(double mass) const {
@@ -248,9 +340,10 @@ double CalibrationTransformatorZRK::MassToRaw(double mass) const {
 
 void CalibrationTransformatorZRK::MassToIndex(const std::vector<double>& masses,
                                               std::vector<std::int32_t>& indexes) const {
-  std::vector<double> copy;
-  PreciseMassesToMasses(masses, copy);
-  base()->MassToIndex(copy, indexes);
+  CorrectionThenBase(masses, indexes,
+                     [this](const std::vector<double>& in, std::vector<std::int32_t>& out) {
+                       base()->MassToIndex(in, out);
+                     });
 }
 
 std::int32_t CalibrationTransformatorZRK::MassToIndex(double mass) const {
@@ -264,9 +357,10 @@ void CalibrationTransformatorZRK::MassToDIndex(std::vector<double>& values) cons
 
 void CalibrationTransformatorZRK::MassToDIndex(const std::vector<double>& masses,
                                                std::vector<double>& dindexes) const {
-  std::vector<double> copy;
-  PreciseMassesToMasses(masses, copy);
-  base()->MassToDIndex(copy, dindexes);
+  CorrectionThenBase(masses, dindexes,
+                     [this](const std::vector<double>& in, std::vector<double>& out) {
+                       base()->MassToDIndex(in, out);
+                     });
 }
 
 double CalibrationTransformatorZRK::MassToDIndex(double mass) const {
@@ -280,8 +374,9 @@ void CalibrationTransformatorZRK::RawToMass(std::vector<double>& values) const {
 
 void CalibrationTransformatorZRK::RawToMass(const std::vector<double>& raws,
                                             std::vector<double>& masses) const {
-  base()->RawToMass(raws, masses);
-  MassesToPreciseMasses(masses);
+  BaseThenCorrection(raws, masses, [this](const std::vector<double>& in, std::vector<double>& out) {
+    base()->RawToMass(in, out);
+  });
 }
 
 double CalibrationTransformatorZRK::RawToMass(double raw) const {
@@ -295,8 +390,10 @@ void CalibrationTransformatorZRK::DIndexToMass(std::vector<double>& values) cons
 
 void CalibrationTransformatorZRK::DIndexToMass(const std::vector<double>& dindexes,
                                                std::vector<double>& masses) const {
-  base()->DIndexToMass(dindexes, masses);
-  MassesToPreciseMasses(masses);
+  BaseThenCorrection(dindexes, masses,
+                     [this](const std::vector<double>& in, std::vector<double>& out) {
+                       base()->DIndexToMass(in, out);
+                     });
 }
 
 double CalibrationTransformatorZRK::DIndexToMass(double dindex) const {
@@ -311,8 +408,10 @@ void CalibrationTransformatorZRK::IndexToMass(std::int32_t first, std::int32_t l
 
 void CalibrationTransformatorZRK::IndexToMass(const std::vector<std::int32_t>& indexes,
                                               std::vector<double>& masses) const {
-  base()->IndexToMass(indexes, masses);
-  MassesToPreciseMasses(masses);
+  BaseThenCorrection(indexes, masses,
+                     [this](const std::vector<std::int32_t>& in, std::vector<double>& out) {
+                       base()->IndexToMass(in, out);
+                     });
 }
 
 double CalibrationTransformatorZRK::IndexToMass(std::int32_t index) const {

@@ -79,6 +79,10 @@ typedef boost::shared_ptr<ICalibrationTransformatorZRK> ICalibrationTransformato
 
 namespace Transformation {
 
+namespace detail {
+struct CorrectionScratch;
+}  // namespace detail
+
 class CalibrationTransformatorZRK final
     : public TransformatorDecorator<ICalibrationTransformatorZRK,
                                     ICalibrationTransformatorDecorator>,
@@ -153,24 +157,39 @@ class CalibrationTransformatorZRK final
 
  private:
   double PreciseMassToMassImpl(double preciseMass) const {
-    return useCorrection && f.IsInitialized() ? f(preciseMass) : preciseMass;
+    return Corrects() ? f(preciseMass) : preciseMass;
   }
   double MassToPreciseMassImpl(double mass) const;
+  bool Corrects() const { return useCorrection && f.IsInitialized(); }
   // The precise mass by Newton's method on f, for a mass whose first-order
   // inverse is not close enough. Throws std::logic_error when none is found.
   double SearchPreciseMass(double mass) const;
-  // out[i] = PreciseMassToMass(in[i]) or MassToPreciseMass(in[i]) for i from
-  // `i` up to `end`, advancing `i` past each element completed. `in` and
+  // out[k] = PreciseMassToMass(in[k]) or MassToPreciseMass(in[k]) for k from
+  // 0 up to count, in order, through the work arrays of `scratch`. `in` and
   // `out` may be the same array.
-  void PreciseMassesToMassesBlock(const double* in, double* out, std::ptrdiff_t& i,
-                                  std::ptrdiff_t end) const;
-  void MassesToPreciseMassesBlock(const double* in, double* out, std::ptrdiff_t& i,
-                                  std::ptrdiff_t end) const;
-  typedef void (CalibrationTransformatorZRK::*Block)(const double*, double*, std::ptrdiff_t&,
-                                                     std::ptrdiff_t) const;
+  void PreciseMassesToMassesBlock(const double* in, double* out, std::ptrdiff_t count,
+                                  detail::CorrectionScratch& scratch) const;
+  void MassesToPreciseMassesBlock(const double* in, double* out, std::ptrdiff_t count,
+                                  detail::CorrectionScratch& scratch) const;
+  typedef void (CalibrationTransformatorZRK::*Block)(const double*, double*, std::ptrdiff_t,
+                                                     detail::CorrectionScratch&) const;
   // `out` resized to `in`, then `block` over all of it as in the batch forms.
   void RunBatch(Block block, const std::vector<double>& in, std::vector<double>& out,
                 const char* failureText) const;
+  // `block` as a step of two: (in, out, scratch) with `out` resized to `in`.
+  auto CorrectionStep(Block block) const;
+  // The out-of-place conversions towards and from the precise mass:
+  // toMass(in, masses) of the base and then MassesToPreciseMasses, or
+  // PreciseMassesToMasses and then fromMass(masses, out) of the base. On the
+  // threads both steps run block by block while the block is in cache; the
+  // results, and the failures, are those of the two steps one after the
+  // other.
+  template <class In, class ToMass>
+  void BaseThenCorrection(const std::vector<In>& in, std::vector<double>& masses,
+                          const ToMass& toMass) const;
+  template <class Out, class FromMass>
+  void CorrectionThenBase(const std::vector<double>& masses, std::vector<Out>& out,
+                          const FromMass& fromMass) const;
 
   // The correction f; empty without a polynomial.
   math::CFunction f;

@@ -1,7 +1,6 @@
 #include "calibration_core/zrk/calibration_transformator_zrk.h"
 
 #include <gtest/gtest.h>
-#include <omp.h>
 
 #include <boost/make_shared.hpp>
 #include <cmath>
@@ -19,6 +18,7 @@ namespace Transformation {
 namespace {
 
 using testing::digitizer;
+using testing::inParallelRegion;
 using testing::model;
 using testing::thrownText;
 using testing::tof1;
@@ -215,16 +215,9 @@ TEST(ZRKCorrection, AMassWithoutAPreciseMassFails) {
   // Inside a parallel region the loop is serial and lets the scalar's
   // failure out.
   std::string insideText;
-#pragma omp parallel num_threads(2)
-  {
-#pragma omp single
-    {
-      insideText =
-          omp_in_parallel()
-              ? thrownText<std::logic_error>([&] { z->MassesToPreciseMasses(masses, out); })
-              : "<not in a parallel region>";
-    }
-  }
+  ASSERT_TRUE(inParallelRegion([&] {
+    insideText = thrownText<std::logic_error>([&] { z->MassesToPreciseMasses(masses, out); });
+  }));
   EXPECT_EQ(kNotInvertible, insideText);
 }
 
@@ -237,20 +230,83 @@ TEST(ZRKCorrection, SerialAndParallelLoopsAgree) {
   z->PreciseMassesToMasses(masses, parallelMasses);
   Doubles serialPrecise;
   Doubles serialMasses;
-  bool inParallel = false;
-#pragma omp parallel num_threads(2)
-  {
-#pragma omp single
-    {
-      inParallel = omp_in_parallel();
-      z->MassesToPreciseMasses(masses, serialPrecise);
-      z->PreciseMassesToMasses(masses, serialMasses);
-    }
-  }
-  ASSERT_TRUE(inParallel);
+  ASSERT_TRUE(inParallelRegion([&] {
+    z->MassesToPreciseMasses(masses, serialPrecise);
+    z->PreciseMassesToMasses(masses, serialMasses);
+  }));
   EXPECT_EQ(serialPrecise, parallelPrecise);
   EXPECT_EQ(serialMasses, parallelMasses);
   EXPECT_EQ(z->MassToPreciseMass(masses[7000]), parallelPrecise[7000]);
+}
+
+// The out-of-place conversions run the base and the correction block by
+// block on the threads: the results are those of the two steps one after
+// the other, and those of the serial loops inside a parallel region.
+TEST(ZRKCorrection, ConversionsOnTheThreadsAreTheTwoStepsInTurn) {
+  auto z = zrk(largeCorrection());
+  const ICalibrationTransformatorPtr base = z->GetBaseTransformator();
+  const Doubles masses = grid();
+  Doubles dindexes;
+  base->MassToDIndex(masses, dindexes);
+  Ints indexes;
+  for (double d : dindexes) indexes.push_back(static_cast<std::int32_t>(d));
+
+  Doubles step, toMass, toDIndex, toRaw;
+  Ints toIndex;
+  base->DIndexToMass(dindexes, step);
+  z->MassesToPreciseMasses(step, toMass);
+  z->PreciseMassesToMasses(masses, step);
+  base->MassToDIndex(step, toDIndex);
+  base->MassToIndex(step, toIndex);
+  base->MassToRaw(step, toRaw);
+
+  Doubles out;
+  Ints outIndexes;
+  z->DIndexToMass(dindexes, out);
+  EXPECT_EQ(toMass, out);
+  z->MassToDIndex(masses, out);
+  EXPECT_EQ(toDIndex, out);
+  z->MassToIndex(masses, outIndexes);
+  EXPECT_EQ(toIndex, outIndexes);
+  z->MassToRaw(masses, out);
+  EXPECT_EQ(toRaw, out);
+  z->RawToMass(toRaw, out);
+  Doubles expected;
+  base->RawToMass(toRaw, expected);
+  z->MassesToPreciseMasses(expected);
+  EXPECT_EQ(expected, out);
+  z->IndexToMass(indexes, out);
+  base->IndexToMass(indexes, expected);
+  z->MassesToPreciseMasses(expected);
+  EXPECT_EQ(expected, out);
+
+  Doubles serialMass, serialDIndex;
+  ASSERT_TRUE(inParallelRegion([&] {
+    z->DIndexToMass(dindexes, serialMass);
+    z->MassToDIndex(masses, serialDIndex);
+  }));
+  EXPECT_EQ(toMass, serialMass);
+  EXPECT_EQ(toDIndex, serialDIndex);
+}
+
+// A failure of the base is the base's own, also when the correction fails
+// elsewhere; a failure of the correction alone is the batch text.
+TEST(ZRKCorrection, ABaseFailureOnTheThreadsIsTheBasesOwn) {
+  // c2 < 0: RawToMass fails for raws beyond 2.5e7.
+  const ICalibrationTransformatorPtr base =
+      model<CalibrationTransformatorTOFQuadratic>(tof1(0.0, 1000.0, -0.01));
+  const char* const kBaseFailed =
+      "Transformation failed, most likely due to bad calibration constants.";
+  Doubles raws(5000, base->MassToRaw(200.0));
+  raws[2500] = 3e7;
+  Doubles out;
+  CalibrationTransformatorZRK ppm(base, ppmCorrection());
+  EXPECT_EQ(kBaseFailed, thrownText<std::runtime_error>([&] { ppm.RawToMass(raws, out); }));
+  CalibrationTransformatorZRK folded(base, foldedCorrection());
+  raws[100] = base->MassToRaw(500.0);
+  EXPECT_EQ(kBaseFailed, thrownText<std::runtime_error>([&] { folded.RawToMass(raws, out); }));
+  raws[2500] = raws[0];
+  EXPECT_EQ(kBatchFailed, thrownText<std::logic_error>([&] { folded.RawToMass(raws, out); }));
 }
 
 TEST(ZRKCorrection, CopiesAreEqualAndIndependent) {

@@ -1,6 +1,7 @@
 #include "math/cfunction/polynomial_elements.h"
 
 #include <cmath>
+#include <cstddef>
 #include <utility>
 
 namespace lumo {
@@ -94,6 +95,12 @@ double CSpec1dIntPolynomElemZRKExt::operator()(double x) const {
   if (InRange(x)) return Polynomial(x);
   const double b = x < lo_ ? lo_ : hi_;
   return x + std::exp(-((x - b) * k_ * (x - b))) * (Polynomial(b) - b);
+}
+
+void CSpec1dIntPolynomElemZRKExt::operator()(const std::vector<double>& x,
+                                             std::vector<double>& y) const {
+  y.resize(x.size());
+  for (std::size_t i = 0; i < x.size(); ++i) y[i] = CSpec1dIntPolynomElemZRKExt::operator()(x[i]);
 }
 
 double CSpec1dIntPolynomElemZRKExt::Derivative(double x) const {

@@ -93,6 +93,8 @@ class CSpec1dIntPolynomElemZRKExt : public detail::IntPolynomElem {
                               const std::vector<double>& y);
   std::unique_ptr<CFuncBaseElem> Clone() const override;
   double operator()(double x) const override;
+  // The scalar form over every element, bound without a virtual call.
+  void operator()(const std::vector<double>& x, std::vector<double>& y) const override;
   double Derivative(double x) const override;
   int TypeCode() const override;
 

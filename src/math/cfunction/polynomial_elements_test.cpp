@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstddef>
 #include <vector>
 
 #include "math/cfunction/cfunction.h"
@@ -67,6 +68,12 @@ TEST(IntPolynomElems, ZRKReturnsToTheIdentityWithGaussianTails) {
   EXPECT_EQ(1.0, f.Derivative(-1e-10));
   EXPECT_LT(f.Derivative(10 + 1e-9), 1.0);
   EXPECT_GT(f.Derivative(-1e-9), 1.0);
+  // The vector form: the scalar form element by element, tails included.
+  const std::vector<double> x{-2.0, -1e-10, 2.0, 10 + 1e-10, 12.0, 1000.0};
+  std::vector<double> y{7.0};
+  f(x, y);
+  ASSERT_EQ(x.size(), y.size());
+  for (std::size_t i = 0; i < x.size(); ++i) EXPECT_EQ(f(x[i]), y[i]) << x[i];
 }
 
 TEST(IntPolynomElems, ZRKDefaults) {
