@@ -13,13 +13,13 @@ CSV time).
     bench/mzml_export_bench.py [BUILD_DIR] [--frames N] [--rounds R]
 """
 
-import argparse
 import os
 import resource
 import subprocess
-import sys
 import tempfile
 import time
+
+import bench_analysis
 
 VARIANTS = {"csv": ["--format", "csv"],
             "mzml, zlib": ["--format", "mzml", "--compress", "zlib"],
@@ -43,22 +43,14 @@ def run_export(kora, directory, out, options):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("build", nargs="?", default="build-bench", help="build directory")
-    parser.add_argument("--frames", type=int, default=300)
-    parser.add_argument("--rounds", type=int, default=1)
-    args = parser.parse_args()
-    build = os.path.abspath(args.build)
-    sys.path.insert(0, os.path.join(build, "python"))
+    args = bench_analysis.parse_arguments(__doc__, rounds=1)
     import koradata
 
-    writer = os.path.join(build, "tools", "kora-writer")
-    kora = os.path.join(build, "python", "kora")
+    kora = os.path.join(args.build, "python", "kora")
     best = {}
     with tempfile.TemporaryDirectory(prefix="kora-mzml-bench-") as tmp:
         directory = os.path.join(tmp, "analysis")
-        subprocess.run([writer, "realistic", directory, "--frames", str(args.frames)],
-                       check=True, stdout=subprocess.DEVNULL)
+        bench_analysis.write_realistic(args.build, directory, args.frames)
         with koradata.Analysis(directory) as analysis:
             peaks = int(analysis.peak_counts().sum())
         for _ in range(args.rounds):

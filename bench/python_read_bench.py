@@ -15,13 +15,14 @@ machine; the load average is printed with them.
     bench/python_read_bench.py [BUILD_DIR] [--frames N] [--rounds R]
 """
 
-import argparse
 import os
 import resource
 import subprocess
 import sys
 import tempfile
 import time
+
+import bench_analysis
 
 COLUMNS = ("frame", "scan", "tof", "intensity")
 
@@ -46,21 +47,13 @@ def run_query(analysis, threads):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("build", nargs="?", default="build-bench", help="build directory")
-    parser.add_argument("--frames", type=int, default=300)
-    parser.add_argument("--rounds", type=int, default=5)
-    args = parser.parse_args()
-    build = os.path.abspath(args.build)
-    sys.path.insert(0, os.path.join(build, "python"))
+    args = bench_analysis.parse_arguments(__doc__, rounds=5)
     import koradata
 
-    writer = os.path.join(build, "tools", "kora-writer")
-    loop = os.path.join(build, "bench", "kora-read-loop")
+    loop = os.path.join(args.build, "bench", "kora-read-loop")
     with tempfile.TemporaryDirectory(prefix="kora-python-bench-") as tmp:
         directory = os.path.join(tmp, "analysis")
-        subprocess.run([writer, "realistic", directory, "--frames", str(args.frames)],
-                       check=True, stdout=subprocess.DEVNULL)
+        bench_analysis.write_realistic(args.build, directory, args.frames)
         with koradata.Analysis(directory) as analysis:
             frames = analysis.frames
             frame_input = "".join(f"{f} {n}\n" for f, n in zip(frames["frame"],

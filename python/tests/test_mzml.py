@@ -18,9 +18,10 @@ from koradata._mzml_terms import MOBILITY_ARRAY
 
 OBO = {"MS": "/usr/share/openms/CV/psi-ms.obo", "UO": "/usr/share/openms/CV/unit.obo"}
 NS = {"m": "http://psi.hupo.org/ms/mzml"}
-#: The 3-frame sample: its peaks and non-empty scans.
-SAMPLE_PEAKS = 86734
-SAMPLE_SCANS = 2719
+#: What each layout exports of the 3-frame sample: the frames (the scan
+#: layout, at about 900 spectra per frame, only the second to keep the
+#: tests short), and the spectra and peaks that makes.
+EXPORTS = {"frame": (slice(1, 4), 3, 86734), "scan": (slice(2, 3), 908, 29133)}
 #: The library's text for the damaged frame, by compression type.
 DAMAGED_TEXTS = {"1": "CorruptFrameDataError for FrameId=3: Error reading scan-range data.",
                  "2": "CorruptFrameDataError for FrameId=3: Error reading frame data."}
@@ -55,13 +56,20 @@ def obo_names(path):
                                         ("scan", "zlib"), ("scan", "none")],
                 ids=lambda p: "-".join(p))
 def exported(request, sample, tmp_path_factory):
-    """The sample written by `kora export --format mzml` in each layout and
-    compression: (analysis path, layout, mzML path)."""
+    """The sample exported in each layout and compression: (analysis path,
+    layout, mzML path). The LZF sample goes through `kora export`, the
+    Zstandard one through Analysis.to_mzml."""
     layout, compress = request.param
+    frames = EXPORTS[layout][0]
     out = tmp_path_factory.mktemp("mzml") / "sample.mzML"
-    result = kora("export", sample, "-o", out, "--format", "mzml", "--layout", layout,
-                  "--compress", compress)
-    assert (result.returncode, result.stdout, result.stderr) == (0, "", "")
+    with koradata.Analysis(sample) as analysis:
+        through_command = analysis.metadata["KoraCompressionType"] == "1"
+        if not through_command:
+            assert analysis.to_mzml(out, frames, layout, compress) == {}
+    if through_command:
+        result = kora("export", sample, "-o", out, "--format", "mzml", "--layout", layout,
+                      "--compress", compress, "--frames", f"{frames.start}:{frames.stop}")
+        assert (result.returncode, result.stdout, result.stderr) == (0, "", "")
     return sample, layout, out
 
 
@@ -70,12 +78,13 @@ def test_openms_validates_the_file_and_its_index(exported):
     assert_valid(path)
     # -i checks the offsets and then reports as -in does.
     out = file_info("-i", "-in", path)
-    spectra = 3 if layout == "frame" else SAMPLE_SCANS
+    _, spectra, peaks = EXPORTS[layout]
     assert f"Found a valid indexed mzML XML File with {spectra} spectra and 0 chromatograms." \
         in out
     assert f"Number of spectra: {spectra}\n" in out
-    assert f"Total number of peaks: {SAMPLE_PEAKS}\n" in out
-    assert "retention time: 0.00 .. 0.20 sec" in out
+    assert f"Total number of peaks: {peaks}\n" in out
+    assert ("retention time: 0.00 .. 0.20 sec" if layout == "frame"
+            else "retention time: 0.10 .. 0.10 sec") in out
 
 
 def test_index_offsets_and_checksum(exported):
@@ -89,7 +98,7 @@ def test_index_offsets_and_checksum(exported):
         assert data[int(offset.text):].startswith(
             f'<spectrum index="{index}" id="{offset.get("idRef")}"'.encode())
     assert ids[:2] == (["frame=1", "frame=2"] if layout == "frame"
-                       else ["frame=1 scan=6", "frame=1 scan=7"])
+                       else ["frame=2 scan=4", "frame=2 scan=7"])
     list_offset = int(tree.findtext("m:indexListOffset", namespaces=NS))
     assert data[list_offset:].startswith(b'<indexList count="1">')
     end = data.index(b"<fileChecksum>") + len(b"<fileChecksum>")
@@ -118,8 +127,8 @@ def sorted_peaks(peaks):
 def test_pymzml_reads_back_what_query_gives(exported):
     sample, layout, path = exported
     with koradata.Analysis(sample) as analysis:
-        peaks = analysis.query(columns=("frame", "scan", "mz", "intensity",
-                                        "inv_ion_mobility"))
+        peaks = analysis.query(frames=EXPORTS[layout][0],
+                               columns=("frame", "scan", "mz", "intensity", "inv_ion_mobility"))
         times = analysis.frames.set_index("frame")["retention_time"]
     if layout == "frame":
         want = [(f"frame={f}", f, None, p) for f, p in peaks.groupby("frame", sort=True)]
