@@ -26,7 +26,6 @@
 #include "logging/log_stream.h"
 #include "logging/logger.h"
 #include "reader/oxa_reader.h"
-#include "reader/oxa_reader_decoding.h"
 #include "sys/encoding.h"
 #include "sys/throw.h"
 
@@ -43,22 +42,6 @@ const char* const kLoggerName = "lumo.io.koradata_dll";
 
 // One text per thread, created by the thread's first failure, never cleared.
 boost::thread_specific_ptr<std::string> last_error;
-
-// The plain peak sink: appends each peak to two vectors, which keep their
-// capacity over the scans of a call.
-struct PeakCollector {
-  std::vector<uint32_t>* indices;
-  std::vector<uint32_t>* intensities;
-
-  void operator()(uint32_t index, uint32_t intensity) {
-    indices->push_back(index);
-    intensities->push_back(intensity);
-  }
-  void append(const uint32_t* index, const uint32_t* intensity, size_t n) {
-    indices->insert(indices->end(), index, index + n);
-    intensities->insert(intensities->end(), intensity, intensity + n);
-  }
-};
 
 // What a conversion export asks of a frame's transformator: one batch of the
 // mass transformator, or one value of the mobility transformator.
@@ -135,39 +118,8 @@ void Instance::mobConversionFunc(int64_t frame_id, const double* in, double* out
 unsigned int Instance::readScans(int64_t frame_id, unsigned int scan_begin, unsigned int scan_end,
                                  void* buf, unsigned int len,
                                  lumo::io::kora::NormalizationType normalization) {
-  constexpr size_t kMaxWords = 0x3FFFFFFF;
   if (scan_end <= scan_begin) LUMO_THROW(std::invalid_argument("scan_end must be > scan_begin"));
-
-  // counts: one per scan decoded so far; peaks: each finished scan's indices
-  // then intensities; indices, intensities: the current scan. All grow with
-  // the scans actually decoded, so a range beyond the frame's scans costs
-  // nothing before the reader refuses it.
-  std::vector<uint32_t> counts;
-  std::vector<uint32_t> peaks;
-  std::vector<uint32_t> indices;
-  std::vector<uint32_t> intensities;
-  reader.decodeScanRange(
-      frame_id, scan_begin, scan_end, PeakCollector{&indices, &intensities},
-      [&](unsigned int scan) {
-        assert(scan - scan_begin == counts.size());
-        counts.push_back(static_cast<uint32_t>(indices.size()));
-        peaks.insert(peaks.end(), indices.begin(), indices.end());
-        peaks.insert(peaks.end(), intensities.begin(), intensities.end());
-        indices.clear();
-        intensities.clear();
-      },
-      normalization);
-  assert(counts.size() == static_cast<size_t>(scan_end - scan_begin));
-
-  const size_t n = counts.size() + peaks.size();
-  if (n > kMaxWords) LUMO_THROW(std::runtime_error("Maximum decompressed frame size exceeded."));
-  const unsigned int bytes = static_cast<unsigned int>(4 * n);
-  if (bytes <= len) {
-    unsigned char* const out = static_cast<unsigned char*>(buf);
-    std::memcpy(out, counts.data(), 4 * counts.size());
-    if (!peaks.empty()) std::memcpy(out + 4 * counts.size(), peaks.data(), 4 * peaks.size());
-  }
-  return bytes;
+  return reader.readScans(frame_id, scan_begin, scan_end, normalization, buf, len);
 }
 
 Instance* toInstance(uint64_t handle) {

@@ -8,6 +8,7 @@
 
 #include <boost/core/noinit_adaptor.hpp>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -17,11 +18,14 @@ namespace kora {
 namespace detail {
 
 using ByteBuffer = std::vector<unsigned char, boost::noinit_adaptor<std::allocator<unsigned char>>>;
+// Words of a read-out in the making; grows the same way.
+using WordBuffer = std::vector<uint32_t, boost::noinit_adaptor<std::allocator<uint32_t>>>;
 
-// Makes `buffer` hold `n` bytes of unspecified value. Growing past the
+// Makes `buffer` hold `n` elements of unspecified value. Growing past the
 // capacity does not copy the old bytes: a larger buffer is taken afresh.
-inline void resizeDiscarding(ByteBuffer& buffer, size_t n) {
-  if (n > buffer.capacity()) ByteBuffer().swap(buffer);
+template <class Buffer>
+void resizeDiscarding(Buffer& buffer, size_t n) {
+  if (n > buffer.capacity()) Buffer().swap(buffer);
   buffer.resize(n);
 }
 

@@ -39,6 +39,23 @@ inline NormalizationType defaultNormalization(int32_t schema_major) {
   return NormalizationType::AccuTime100ms;
 }
 
+// The one failure of a normalisation value. Thrown bare, with neither stack
+// trace nor throw location, unlike every other failure of the reader: callers
+// have always received it so.
+[[noreturn]] inline void throwUnknownNormalization() {
+  throw std::runtime_error("decodeScanRange() : Unknown NormalizationType");
+}
+
+// `type`, with Default resolved for an analysis of schema major version
+// `schema_major`.
+// Throws std::runtime_error "decodeScanRange() : Unknown NormalizationType"
+// for a value above 4.
+inline NormalizationType resolveNormalization(NormalizationType type, int32_t schema_major) {
+  if (type == NormalizationType::Default) type = defaultNormalization(schema_major);
+  if (static_cast<uint32_t>(type) > 4) throwUnknownNormalization();
+  return type;
+}
+
 namespace detail {
 
 // Truncation towards zero, saturating: NaN and values below 0 give 0,
@@ -48,21 +65,30 @@ inline uint32_t truncateToCount(double scaled) {
   return scaled < 4294967296.0 ? static_cast<uint32_t>(scaled) : 0xFFFFFFFFu;
 }
 
-// Scales a block of intensities and passes it on to `sink`. A factor of
-// exactly 1.0 changes no count (v + 0.5 is exact below 2^32 and truncates to
-// v), so the block passes as it is.
+// Whether scaling by `factor` leaves every count as it is: exactly 1.0 does
+// (v + 0.5 is exact below 2^32 and truncates to v), so no pass is needed.
+inline bool keepsCounts(double factor) { return factor == 1.0; }
+
+// out[k] = truncateToCount(in[k] * factor + rounding) for k < n; `out` may
+// be `in`.
+inline void scaleCounts(const uint32_t* in, uint32_t* out, size_t n, double factor,
+                        double rounding) {
+  for (size_t k = 0; k < n; ++k)
+    out[k] = truncateToCount(static_cast<double>(in[k]) * factor + rounding);
+}
+
+// Scales a block of intensities and passes it on to `sink`.
 template <class F>
 void appendScaled(F& sink, const uint32_t* indices, const uint32_t* intensities, size_t n,
                   double factor, double rounding) {
-  if (factor == 1.0) {
+  if (keepsCounts(factor)) {
     deliverPeaks(sink, indices, intensities, n);
     return;
   }
   uint32_t scaled[kPeakBlock];
   while (n > 0) {
     const size_t m = n < kPeakBlock ? n : kPeakBlock;
-    for (size_t k = 0; k < m; ++k)
-      scaled[k] = truncateToCount(static_cast<double>(intensities[k]) * factor + rounding);
+    scaleCounts(intensities, scaled, m, factor, rounding);
     deliverPeaks(sink, indices, scaled, m);
     indices += m;
     intensities += m;
@@ -101,27 +127,47 @@ struct Normalizer_DutyCycle {
   }
 };
 
-// Runs body(normaliser) with `sink` wrapped in the normaliser of `type`, for
-// a frame of `accumulation_time` and `ramp_time`. A time of exactly 0.0 gives
-// the factor 1.0.
-// REQUIRES: type is DutyCycle, DutyCycleRounded or AccuTime100ms; any other
-// value throws std::runtime_error "decodeScanRange() : Unknown NormalizationType".
-template <class F, class Body>
-void withNormalizer(NormalizationType type, double accumulation_time, double ramp_time, F sink,
-                    Body body) {
+// The scaling of one read: scaled = intensity * factor + rounding.
+struct CountScale {
+  double factor;
+  double rounding;
+};
+
+// The scaling that `type` gives a frame of `accumulation_time` and
+// `ramp_time`. A time of exactly 0.0 gives the factor 1.0.
+// Throws std::runtime_error "decodeScanRange() : Unknown NormalizationType"
+// unless type is DutyCycle, DutyCycleRounded or AccuTime100ms.
+inline CountScale countScale(NormalizationType type, double accumulation_time, double ramp_time) {
   const bool no_time = accumulation_time == 0.0;
   switch (type) {
     case NormalizationType::DutyCycle:
-      body(Normalizer_DutyCycle<F, 0>{sink, no_time ? 1.0 : ramp_time / accumulation_time});
+      return {no_time ? 1.0 : ramp_time / accumulation_time, 0.0};
+    case NormalizationType::DutyCycleRounded:
+      return {no_time ? 1.0 : ramp_time / accumulation_time, 0.5};
+    case NormalizationType::AccuTime100ms:
+      return {no_time ? 1.0 : 100.0 / accumulation_time, 0.5};
+    default:
+      throwUnknownNormalization();
+  }
+}
+
+// Runs body(normaliser) with `sink` wrapped in the normaliser of `type`, for
+// a frame of `accumulation_time` and `ramp_time`.
+// Throws as countScale does.
+template <class F, class Body>
+void withNormalizer(NormalizationType type, double accumulation_time, double ramp_time, F sink,
+                    Body body) {
+  const double factor = countScale(type, accumulation_time, ramp_time).factor;
+  switch (type) {
+    case NormalizationType::DutyCycle:
+      body(Normalizer_DutyCycle<F, 0>{sink, factor});
       return;
     case NormalizationType::DutyCycleRounded:
-      body(Normalizer_DutyCycle<F, 1>{sink, no_time ? 1.0 : ramp_time / accumulation_time});
-      return;
-    case NormalizationType::AccuTime100ms:
-      body(Normalizer_AccuTime_100ms<F>{sink, no_time ? 1.0 : 100.0 / accumulation_time});
+      body(Normalizer_DutyCycle<F, 1>{sink, factor});
       return;
     default:
-      throw std::runtime_error("decodeScanRange() : Unknown NormalizationType");
+      body(Normalizer_AccuTime_100ms<F>{sink, factor});
+      return;
   }
 }
 

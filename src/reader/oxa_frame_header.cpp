@@ -1,6 +1,5 @@
 #include "reader/oxa_frame_header.h"
 
-#include <sstream>
 #include <stdexcept>
 
 #include "reader/corrupt_data_error.h"
@@ -10,15 +9,6 @@
 namespace lumo {
 namespace io {
 namespace kora {
-
-std::string seekFailureText(std::istream& stream) {
-  std::ostringstream os;
-  const long long position = static_cast<long long>(stream.tellg());
-  os << "Can't seek to binary header. Current position: " << position
-     << ". Error flags: good: " << stream.good() << ", eof " << stream.eof() << ", fail "
-     << stream.fail() << ", bad " << stream.bad();
-  return os.str();
-}
 
 OxaFrameHeader::OxaFrameHeader()
     : logger(logging::Logger::getLogger("lumo.io.kora.OxaReader.OxaFrameHeader")) {}

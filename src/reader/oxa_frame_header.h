@@ -1,5 +1,4 @@
-// The header of a frame block of a per-scan compressed frame file, and the
-// text that both readers of the frame file give to a failed seek.
+// The header of a frame block of a per-scan compressed frame file.
 //
 // Block layout (all little-endian): a word that is kept but not interpreted,
 // the number of scans n (at most 131072), then n + 1 offsets from the block
@@ -9,7 +8,6 @@
 
 #include <cstdint>
 #include <istream>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -18,10 +16,6 @@
 namespace lumo {
 namespace io {
 namespace kora {
-
-// "Can't seek to binary header. Current position: <tellg>. Error flags: good:
-// <0|1>, eof <0|1>, fail <0|1>, bad <0|1>", describing `stream` as it stands.
-std::string seekFailureText(std::istream& stream);
 
 // Thread-compatible: one thread at a time.
 class OxaFrameHeader {

@@ -9,7 +9,6 @@
 
 #include "reader/corrupt_data_error.h"
 #include "reader/little_endian.h"
-#include "reader/oxa_frame_header.h"
 #include "sys/throw.h"
 
 namespace lumo {
@@ -28,7 +27,9 @@ constexpr int64_t kNoFrame = -2;
 }  // namespace
 
 OxaFrameReader::OxaFrameReader()
-    : compressed(10000000), decompressed(20000000), dctx(ZSTD_createDCtx()) {
+    : compressed(kInitialCompressedSize),
+      decompressed(kInitialExpandedSize),
+      dctx(ZSTD_createDCtx()) {
   if (dctx == nullptr) LUMO_THROW(std::bad_alloc());
 }
 
@@ -104,12 +105,7 @@ const detail::ByteBuffer& OxaFrameReader::get(unsigned int scan, unsigned int& f
                                               unsigned int& last) const {
   if (scan >= numScans)
     LUMO_THROW(std::invalid_argument("Scan number [" + std::to_string(scan) + "] out of range."));
-  if (scanBoundaries.empty()) {
-    first = last = 0;
-  } else {
-    first = scanBoundaries[scan];
-    last = scanBoundaries[scan + 1];
-  }
+  scanWords(scan, first, last);
   return decompressed;
 }
 

@@ -20,6 +20,7 @@
 #define KORA_READER_OXA_FRAME_READER_H_
 
 #include <boost/noncopyable.hpp>
+#include <cstddef>
 #include <cstdint>
 #include <istream>
 #include <vector>
@@ -35,6 +36,10 @@ namespace kora {
 class OxaFrameReader : boost::noncopyable {
  public:
   static constexpr uint32_t kMaxFrameSize = 0x40000000;
+  // Starting sizes of the two buffers, so that ordinary frames never make
+  // them grow; the allocation is reused for every frame.
+  static constexpr size_t kInitialCompressedSize = 10000000;
+  static constexpr size_t kInitialExpandedSize = 20000000;
 
   OxaFrameReader();
   ~OxaFrameReader();
@@ -51,6 +56,18 @@ class OxaFrameReader : boost::noncopyable {
   // Valid until the next fill of another frame.
   // Throws std::invalid_argument "Scan number [<scan>] out of range.".
   const detail::ByteBuffer& get(unsigned int scan, unsigned int& first, unsigned int& last) const;
+  // The expanded frame, as get returns it.
+  const detail::ByteBuffer& expanded() const { return decompressed; }
+  // The word range of `scan`, as get gives it, without the range check.
+  // REQUIRES: scan < the frame's number of scans.
+  void scanWords(unsigned int scan, unsigned int& first, unsigned int& last) const {
+    if (scanBoundaries.empty()) {
+      first = last = 0;
+    } else {
+      first = scanBoundaries[scan];
+      last = scanBoundaries[scan + 1];
+    }
+  }
 
  private:
   // Both sized by words of the file; only the bytes read or expanded are

@@ -12,6 +12,7 @@
 #include <boost/noncopyable.hpp>
 #include <boost/optional.hpp>
 #include <boost/shared_ptr.hpp>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -34,6 +35,14 @@ class OxaReaderImpl;
 
 class OxaReader : boost::noncopyable {
  public:
+  // The most bytes one scan of a per-scan compressed frame may expand to.
+  static constexpr unsigned int kMaxLzfExpansion = 4194304;
+  // The size the scratch buffer of those expansions starts with; it grows
+  // as scans need and keeps its size.
+  static constexpr size_t kInitialLzfBufferSize = 1000;
+  // The most 32-bit words a read-out of scans may have.
+  static constexpr uint64_t kMaxReadoutWords = 0x3FFFFFFF;
+
   // Opens the analysis in `dir` or throws (std::runtime_error,
   // CppSQLite3Exception or CorruptDataError, with fixed texts).
   // `selector` only passes through to the choice of the calibration source.
@@ -63,7 +72,21 @@ class OxaReader : boost::noncopyable {
   // empty. Throws the failures of the calibration readers.
   std::unique_ptr<lumo::calibration::kora::ITransformator> getMobTrafo(int64_t frame_id);
 
-  // --- Read path. Template definitions are in reader/oxa_reader_decoding.h.
+  // --- Read path.
+
+  // The read-out of scans [scan_begin, scan_end) of `frame_id`, N of them:
+  // N peak counts, then per scan its indices and then its intensities, all
+  // as 32-bit words in the machine's byte order, nothing between. Returns its
+  // size in bytes, and writes it to `out` only when that is at most
+  // `capacity`; on failure nothing is written. `normalization` as in
+  // decodeScanRange.
+  // REQUIRES: scan_begin < scan_end.
+  // Throws std::runtime_error "Maximum decompressed frame size exceeded." for
+  // more than kMaxReadoutWords words, and the errors of decodeScanRange.
+  uint32_t readScans(int64_t frame_id, unsigned int scan_begin, unsigned int scan_end,
+                     NormalizationType normalization, void* out, uint32_t capacity);
+
+  // Template definitions are in reader/oxa_reader_decoding.h.
 
   // Decodes scans [scan_begin, scan_end) of `frame_id` in order: for each
   // scan, sink(index, intensity) per peak in stored order, then
@@ -104,6 +127,15 @@ class OxaReader : boost::noncopyable {
   uint32_t numBins;
   std::atomic_flag binOverflowLogged = ATOMIC_FLAG_INIT;
   std::vector<unsigned char> lzfBuffer;
+  // Scratch of readScans where the read-out cannot be written in place: it
+  // keeps its allocation over calls.
+  detail::WordBuffer readout;
+
+  // readScans by compression type, after the normalisation is resolved.
+  uint32_t readScansPerScanLzf(int64_t frame_id, unsigned int scan_begin, unsigned int scan_end,
+                               detail::CountScale scale, void* out, uint32_t capacity);
+  uint32_t readScansPerFrameZstd(int64_t frame_id, unsigned int scan_begin, unsigned int scan_end,
+                                 detail::CountScale scale, void* out, uint32_t capacity);
 };
 
 }  // namespace kora

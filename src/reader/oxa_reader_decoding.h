@@ -7,7 +7,6 @@
 #define KORA_READER_OXA_READER_DECODING_H_
 
 #include <boost/optional.hpp>
-#include <stdexcept>
 
 #include "reader/intensity_normalizer.h"
 #include "reader/oxa_reader.h"
@@ -21,10 +20,7 @@ namespace kora {
 template <class Sink, class AfterScan>
 void OxaReader::decodeScanRange(int64_t frame_id, unsigned int scan_begin, unsigned int scan_end,
                                 Sink sink, AfterScan afterScan, NormalizationType normalization) {
-  if (normalization == NormalizationType::Default)
-    normalization = defaultNormalization(getSchemaVersionMajor());
-  if (static_cast<uint32_t>(normalization) > 4)
-    throw std::runtime_error("decodeScanRange() : Unknown NormalizationType");
+  normalization = resolveNormalization(normalization, getSchemaVersionMajor());
 
   auto decodeAll = [&](auto scanSink) {
     hintWillReadScanRange(frame_id, scan_begin, scan_end);
@@ -46,7 +42,7 @@ void OxaReader::decodeScan(int64_t frame_id, unsigned int scan, Sink sink) {
   if (compressionType == 1) {
     const std::pair<const unsigned char*, unsigned int> blob = getScanBlob(frame_id, scan);
     if (blob.second != 0)
-      decompressUimf(blob.first, static_cast<int>(blob.second), sink, lzfBuffer, 4194304,
+      decompressUimf(blob.first, static_cast<int>(blob.second), sink, lzfBuffer, kMaxLzfExpansion,
                      boost::optional<unsigned int>(numBins), &binOverflowLogged, frame_id, scan);
     return;
   }

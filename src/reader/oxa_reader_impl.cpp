@@ -3,6 +3,7 @@
 #include <boost/filesystem/operations.hpp>
 #include <boost/format.hpp>
 #include <boost/lexical_cast.hpp>
+#include <stdexcept>
 
 #include "sql/cppsqlite3.h"
 #include "sql/cppsqlite_tools.h"
@@ -21,6 +22,11 @@ namespace fs = boost::filesystem;
 using lumo::cppsqlite::simpleCheckedQuery;
 
 namespace {
+
+// A single scan read outside a hinted run.
+constexpr uint64_t kMaxScanRead = 0x10000;
+// A hinted run of scans.
+constexpr uint64_t kMaxRunRead = 0x40000000;
 
 bool missing(const fs::file_status& status) {
   return status.type() == fs::status_error || status.type() == fs::file_not_found;
@@ -156,6 +162,56 @@ const detail::FrameInfo& OxaReaderImpl::getFrameInfo(int64_t frame_id) {
   }
   lastFrameInfo = &*frameInfoCache.emplace(frame_id, info).first;
   return lastFrameInfo->second;
+}
+
+std::pair<const unsigned char*, unsigned int> OxaReaderImpl::getScanBlob(int64_t frame_id,
+                                                                         unsigned int scan) {
+  if (!scanCache)
+    LUMO_THROW(
+        std::runtime_error("Unexpected call to getScanBlob for analysis with frame compression"));
+  const detail::FrameInfo& info = getFrameInfo(frame_id);
+  if (!scanCache->contains(info.koraId, scan)) {
+    scanCache->fill(
+        binaryFile, frame_id, info.koraId, scan, scan + 1,
+        [&](uint64_t bytes) {
+          if (bytes > kMaxScanRead)
+            LUMO_THROW(CorruptScanDataError(frame_id, scan, "Compressed scan size too large."));
+        },
+        [&] { LUMO_THROW(CorruptScanDataError(frame_id, scan, "Error seeking to scan data.")); },
+        [&] { LUMO_THROW(CorruptScanDataError(frame_id, scan, "Error reading scan data.")); });
+  }
+  return scanCache->getScan(scan);
+}
+
+void OxaReaderImpl::hintWillReadScanRange(int64_t frame_id, unsigned int scan_begin,
+                                          unsigned int scan_end) {
+  if (scan_end < scan_begin) LUMO_THROW(std::invalid_argument("scan_end must be >= scan_begin."));
+  if (!scanCache) return;
+  const detail::FrameInfo& info = getFrameInfo(frame_id);
+  scanCache->fill(
+      binaryFile, frame_id, info.koraId, scan_begin, scan_end,
+      [&](uint64_t bytes) {
+        if (bytes > kMaxRunRead)
+          LUMO_THROW(CorruptFrameDataError(frame_id, "Compressed scan-range size too large."));
+      },
+      [&] { LUMO_THROW(CorruptFrameDataError(frame_id, "Error seeking to scan-range data.")); },
+      [&] { LUMO_THROW(CorruptFrameDataError(frame_id, "Error reading scan-range data.")); });
+}
+
+const OxaFrameReader& OxaReaderImpl::loadFrame(int64_t frame_id) {
+  if (!frameReader)
+    LUMO_THROW(std::runtime_error(
+        "Unexpected call to getDecompressedScanData for analysis with scan compression"));
+  const detail::FrameInfo& info = getFrameInfo(frame_id);
+  frameReader->fill(binaryFile, frame_id, info.koraId);
+  return *frameReader;
+}
+
+const detail::ByteBuffer& OxaReaderImpl::getDecompressedScanData(int64_t frame_id,
+                                                                 unsigned int scan,
+                                                                 unsigned int& first,
+                                                                 unsigned int& last) {
+  return loadFrame(frame_id).get(scan, first, last);
 }
 
 }  // namespace kora

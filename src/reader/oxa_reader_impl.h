@@ -84,6 +84,12 @@ class OxaReaderImpl : boost::noncopyable {
   void hintWillReadScanRange(int64_t frame_id, unsigned int scan_begin, unsigned int scan_end);
   const detail::ByteBuffer& getDecompressedScanData(int64_t frame_id, unsigned int scan,
                                                     unsigned int& first, unsigned int& last);
+  // Compression type 2: the frame reader, holding `frame_id` expanded; valid
+  // until the next read of the frame file.
+  // Throws std::runtime_error "Unexpected call to getDecompressedScanData for
+  // analysis with scan compression" under compression type 1, and the errors
+  // of getFrameInfo and OxaFrameReader::fill.
+  const OxaFrameReader& loadFrame(int64_t frame_id);
 
  private:
   // The last step of opening: makes exactly one of the two calibration

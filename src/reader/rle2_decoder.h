@@ -25,39 +25,6 @@ namespace io {
 namespace kora {
 namespace detail {
 
-// out[m] = word m of a byte-plane table of `w` words whose plane 0 starts at
-// `plane0` (offset to the first word wanted), for m < count.
-// REQUIRES: the four planes hold `count` bytes each from that position.
-inline void gatherPlaneWords(const unsigned char* plane0, size_t w, size_t count, uint32_t* out) {
-  const unsigned char* const p1 = plane0 + w;
-  const unsigned char* const p2 = p1 + w;
-  const unsigned char* const p3 = p2 + w;
-  size_t m = 0;
-#if defined(__SSE2__)
-  // 16 words per step: interleave bytes 0/1 and 2/3 to 16-bit halves, then
-  // the halves to words.
-  for (; m + 16 <= count; m += 16) {
-    const __m128i b0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(plane0 + m));
-    const __m128i b1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p1 + m));
-    const __m128i b2 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p2 + m));
-    const __m128i b3 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p3 + m));
-    const __m128i lo01 = _mm_unpacklo_epi8(b0, b1);
-    const __m128i hi01 = _mm_unpackhi_epi8(b0, b1);
-    const __m128i lo23 = _mm_unpacklo_epi8(b2, b3);
-    const __m128i hi23 = _mm_unpackhi_epi8(b2, b3);
-    __m128i* const o = reinterpret_cast<__m128i*>(out + m);
-    _mm_storeu_si128(o, _mm_unpacklo_epi16(lo01, lo23));
-    _mm_storeu_si128(o + 1, _mm_unpackhi_epi16(lo01, lo23));
-    _mm_storeu_si128(o + 2, _mm_unpacklo_epi16(hi01, hi23));
-    _mm_storeu_si128(o + 3, _mm_unpackhi_epi16(hi01, hi23));
-  }
-#endif
-  for (; m < count; ++m) {
-    out[m] = static_cast<uint32_t>(plane0[m]) | static_cast<uint32_t>(p1[m]) << 8 |
-             static_cast<uint32_t>(p2[m]) << 16 | static_cast<uint32_t>(p3[m]) << 24;
-  }
-}
-
 // Decodes the first peaks of a block of `n` word pairs whose words start at
 // `plane0` in a byte-plane table of `w` words, 8 peaks per step, continuing
 // the running `index`. Returns the number of peaks decoded, a multiple of 8;
@@ -69,15 +36,16 @@ inline size_t decodePairBlockSse2(const unsigned char* plane0, size_t w, size_t 
   const unsigned char* const p1 = plane0 + w;
   const unsigned char* const p2 = p1 + w;
   const unsigned char* const p3 = p2 + w;
-  __m128i carry = _mm_set1_epi32(static_cast<int>(index));
-  const __m128i one = _mm_set1_epi32(1);
+  // The running index minus 1, which is what a peak stores: adding the
+  // steps to it gives each peak's index directly.
+  __m128i carry = _mm_set1_epi32(static_cast<int>(index - 1));
   // Running sums of four steps, on top of `carry`; `carry` becomes the last.
   auto runningIndex = [&](__m128i steps) {
     steps = _mm_add_epi32(steps, _mm_slli_si128(steps, 4));
     steps = _mm_add_epi32(steps, _mm_slli_si128(steps, 8));
     steps = _mm_add_epi32(steps, carry);
     carry = _mm_shuffle_epi32(steps, 0xFF);
-    return _mm_sub_epi32(steps, one);
+    return steps;
   };
   for (; k + 8 <= n; k += 8) {
     const size_t m = 2 * k;
@@ -104,7 +72,7 @@ inline size_t decodePairBlockSse2(const unsigned char* plane0, size_t w, size_t 
     _mm_storeu_si128(reinterpret_cast<__m128i*>(intensities + k), values_a);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(intensities + k + 4), values_b);
   }
-  index = static_cast<uint32_t>(_mm_cvtsi128_si32(carry));
+  index = static_cast<uint32_t>(_mm_cvtsi128_si32(carry)) + 1;
 #else
   (void)plane0;
   (void)w;
@@ -116,9 +84,46 @@ inline size_t decodePairBlockSse2(const unsigned char* plane0, size_t w, size_t 
   return k;
 }
 
+// Decodes `n` peaks from the word pairs that start at `plane0` in a
+// byte-plane table of `w` words, continuing the running `index`, into
+// indices[0, n) and intensities[0, n). The two arrays may lie anywhere in
+// memory, also in the caller's final buffer.
+// REQUIRES: the four planes hold 2 * n bytes each from that position.
+inline void decodePairs(const unsigned char* plane0, size_t w, size_t n, uint32_t& index,
+                        uint32_t* indices, uint32_t* intensities) {
+  size_t k = decodePairBlockSse2(plane0, w, n, index, indices, intensities);
+  const unsigned char* const p1 = plane0 + w;
+  const unsigned char* const p2 = p1 + w;
+  const unsigned char* const p3 = p2 + w;
+  auto word = [&](size_t m) {
+    return static_cast<uint32_t>(plane0[m]) | static_cast<uint32_t>(p1[m]) << 8 |
+           static_cast<uint32_t>(p2[m]) << 16 | static_cast<uint32_t>(p3[m]) << 24;
+  };
+  for (; k < n; ++k) {
+    index += word(2 * k);
+    indices[k] = index - 1;
+    intensities[k] = word(2 * k + 1);
+  }
+}
+
 }  // namespace detail
 
 namespace decoding {
+
+// The number of peaks of the scan held in words [first, last) of an expanded
+// frame of `data_size` bytes: (last - first) / 2, or 0 when first >= last.
+// Throws CorruptScanDataError when the scan has an odd number of words or
+// reaches beyond the frame's data_size / 4 words.
+inline size_t rle2ScanPeaks(int64_t frame_id, unsigned int scan, size_t data_size,
+                            unsigned int first, unsigned int last) {
+  if (((last - first) & 1u) != 0)
+    LUMO_THROW(
+        CorruptScanDataError(frame_id, scan, "number of decompressed entries not an even number."));
+  if (first >= last) return 0;
+  if (last > data_size / 4)
+    LUMO_THROW(CorruptScanDataError(frame_id, scan, "Scan words reach beyond the frame data."));
+  return (last - first) / 2;
+}
 
 // Calls sink(index, intensity) for each peak of the scan held in words
 // [first, last) of the expanded frame `data`, in stored order. Indices are
@@ -131,32 +136,16 @@ namespace decoding {
 template <class F, class Alloc>
 void decodeRLE2(int64_t frame_id, unsigned int scan, const std::vector<unsigned char, Alloc>& data,
                 unsigned int first, unsigned int last, F sink) {
-  if (((last - first) & 1u) != 0)
-    LUMO_THROW(
-        CorruptScanDataError(frame_id, scan, "number of decompressed entries not an even number."));
-  if (first >= last) return;
+  const size_t peaks = rle2ScanPeaks(frame_id, scan, data.size(), first, last);
   const size_t w = data.size() / 4;
-  if (last > w)
-    LUMO_THROW(CorruptScanDataError(frame_id, scan, "Scan words reach beyond the frame data."));
-
-  const unsigned char* const p0 = data.data();
   uint32_t indices[detail::kPeakBlock];
   uint32_t intensities[detail::kPeakBlock];
   uint32_t index = 0;
-  for (size_t j = first; j < last;) {
-    const size_t n = std::min<size_t>((last - j) / 2, detail::kPeakBlock);
-    size_t k = detail::decodePairBlockSse2(p0 + j, w, n, index, indices, intensities);
-    if (k < n) {
-      uint32_t words[2 * detail::kPeakBlock];
-      detail::gatherPlaneWords(p0 + j + 2 * k, w, 2 * (n - k), words);
-      for (size_t t = 0; k < n; ++k, ++t) {
-        index += words[2 * t];
-        indices[k] = index - 1;
-        intensities[k] = words[2 * t + 1];
-      }
-    }
+  for (size_t k = 0; k < peaks;) {
+    const size_t n = std::min<size_t>(peaks - k, detail::kPeakBlock);
+    detail::decodePairs(data.data() + first + 2 * k, w, n, index, indices, intensities);
     detail::deliverPeaks(sink, indices, intensities, n);
-    j += 2 * n;
+    k += n;
   }
 }
 

@@ -18,7 +18,12 @@ unsigned int expandLzfScan(const unsigned char* data, int size, std::vector<unsi
     } catch (const uimf::InvalidInputStream&) {
       LUMO_THROW(CorruptScanDataError(frame_id, scan, "Corrupt LZF input stream."));
     }
-    if (expanded != 0) return expanded;
+    if (expanded != 0) {
+      if (expanded % 4 != 0)
+        LUMO_THROW(
+            CorruptScanDataError(frame_id, scan, "LZF-decompressed size not a multiple of 4."));
+      return expanded / 4;
+    }
     if (buffer.size() == max_size)
       LUMO_THROW(
           CorruptScanDataError(frame_id, scan, "Maximum decompression-buffer size exceeded."));
