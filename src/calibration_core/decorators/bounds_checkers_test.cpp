@@ -15,13 +15,7 @@ namespace calibration {
 namespace Transformation {
 namespace {
 
-using testing::digitizer;
-using testing::model;
-using testing::thrownText;
-using testing::tof2;
-
-typedef std::vector<double> Doubles;
-typedef std::vector<std::int32_t> Ints;
+using namespace testing;
 
 // t = sqrt(m) and index = t: mass 100 is raw 10 and index 10.
 boost::shared_ptr<CalibrationTransformatorTOF2Linear> rootModel() {

@@ -16,13 +16,8 @@ namespace calibration {
 namespace Transformation {
 namespace {
 
-using testing::digitizer;
-using testing::ftms04;
-using testing::ftms1356;
-using testing::thrownText;
-using testing::transient;
+using namespace testing;
 
-const char* const kFailed = "Transformation failed, most likely due to bad calibration constants.";
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 // t = 1e6 / m on the transient t = index + 1000, 1024 points.

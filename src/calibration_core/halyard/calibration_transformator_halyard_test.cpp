@@ -16,14 +16,7 @@ namespace calibration {
 namespace Transformation {
 namespace {
 
-using testing::halyard;
-using testing::linear;
-using testing::rawMassAxis;
-using testing::thrownText;
-
-const char* const kComplex =
-    "complex valued solution in computation due to invalid calibration constants/value range";
-const char* const kFailed = "Transformation failed, most likely due to bad calibration constants.";
+using namespace testing;
 
 // Raw mass t = index / 20 - 50: index 1000 sits at t = 0, i.e. at m = c0.
 ICalibrationConstantsPhysicalPtr axis() { return rawMassAxis(-50.0, 20.0); }

@@ -13,8 +13,7 @@ namespace calibration {
 namespace Transformation {
 namespace {
 
-using testing::line;
-using testing::linear;
+using namespace testing;
 
 // t = 0.5 * index - 100: index 200 sits at t = 0.
 boost::shared_ptr<CalibrationTransformatorLinear> linearModel(double c0, double c1) {

@@ -21,10 +21,7 @@ namespace {
 using Constants::CalibrationConstantsFunctionalTOF1TemperatureCompensation;
 using Constants::CalibrationConstantsFunctionalTOF2TemperatureCompensation;
 using TemperatureCompensation::CalibrationTemperatureCompensator;
-using testing::model;
-using testing::thrownText;
-using testing::tof1;
-using testing::tof2;
+using namespace testing;
 using Transformation::CalibrationTransformatorTOF2Quadratic;
 using Transformation::CalibrationTransformatorTOFQuadratic;
 

@@ -6,7 +6,9 @@
 #include <omp.h>
 
 #include <boost/make_shared.hpp>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "calibration_core/constants/calibration_constants_functional_other.h"
 #include "calibration_core/constants/calibration_constants_functional_tof.h"
@@ -19,6 +21,15 @@
 namespace lumo {
 namespace calibration {
 namespace testing {
+
+// The texts of a conversion's failures: the model's own, and that of a
+// parallel batch loop.
+const char* const kComplex =
+    "complex valued solution in computation due to invalid calibration constants/value range";
+const char* const kFailed = "Transformation failed, most likely due to bad calibration constants.";
+
+typedef std::vector<double> Doubles;
+typedef std::vector<std::int32_t> Ints;
 
 // Digitizer of the tests: 0.5 time units per sample, delay 1000.
 inline ICalibrationConstantsPhysicalPtr digitizer(double timeBase = 0.5, double delay = 1000.0) {

@@ -14,14 +14,9 @@ namespace calibration {
 namespace Transformation {
 namespace {
 
-using testing::model;
-using testing::thrownText;
-using testing::tof1;
-using testing::tof2;
+using namespace testing;
 
 const double kInf = std::numeric_limits<double>::infinity();
-const char* const kComplex =
-    "complex valued solution in computation due to invalid calibration constants/value range";
 
 // t = 2000 + 1000 sqrt(m) (+ c2 m); the digitizer puts t = 2000 at index 2000.
 template <class Model>

@@ -23,9 +23,7 @@ class CalibrationTransformatorTOF2CubicPeer {
 
 namespace {
 
-using testing::model;
-using testing::thrownText;
-using testing::tof2;
+using namespace testing;
 
 const double kMaxDouble = std::numeric_limits<double>::max();
 

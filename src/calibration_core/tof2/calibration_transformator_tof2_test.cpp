@@ -13,9 +13,7 @@ namespace calibration {
 namespace Transformation {
 namespace {
 
-using testing::model;
-using testing::thrownText;
-using testing::tof2;
+using namespace testing;
 
 const double kInf = std::numeric_limits<double>::infinity();
 

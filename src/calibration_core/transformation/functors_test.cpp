@@ -14,13 +14,7 @@ namespace calibration {
 namespace Transformation {
 namespace {
 
-using testing::model;
-using testing::thrownText;
-using testing::tof1;
-
-const char* const kComplex =
-    "complex valued solution in computation due to invalid calibration constants/value range";
-const char* const kFailed = "Transformation failed, most likely due to bad calibration constants.";
+using namespace testing;
 
 // c2 < 0: RawToMass fails beyond c0 + 2.5e7 time units (and as far below c0),
 // IndexToMass from index 49998000 on.

@@ -16,11 +16,7 @@ namespace calibration {
 namespace Transformation {
 namespace {
 
-using testing::digitizer;
-using testing::model;
-using testing::thrownText;
-using testing::tof1;
-using testing::tof2;
+using namespace testing;
 
 // Functional constants that answer no computation interface.
 class BareFunctional : public virtual ICalibrationConstantsFunctional {
