@@ -8,7 +8,7 @@
 // a child process at the lowest priority.
 //
 // Every size is then measured in a forked child of its own, so that no size
-// inherits another's heap or page-cache reads:
+// inherits another's heap:
 //  - open ms: kora_open of the analysis, minimum over kOpens opens;
 //  - peaks/s: every frame read whole through kora_read_scans_v2 into one
 //    caller's buffer, through a fresh handle per pass, peaks over process
@@ -18,8 +18,11 @@
 //    is reset through /proc/self/clear_refs at the start), less the caller's
 //    buffer.
 // Reads are warm: each analysis is read once with plain reads before it is
-// measured. Then the 10 000-frame analysis is read by 1 and by 2 threads, one
-// handle each, frames interleaved, and the wall-clock speed-up is printed.
+// measured; disk MB shows what the page cache did not hold all the same.
+// Then the 10 000-frame analysis is read by 1 and by 2 threads, one handle
+// each, frames interleaved, and the wall-clock speed-up is printed with the
+// cores the process actually got (CPU time over wall time): on a shared
+// machine that, not the library, may bound the speed-up.
 //
 // Flags: --sizes=N,N,... (default 1000,10000,50000); --parallel_frames=N
 // (default 10000; 0 skips); --write_only (write the analyses and stop);
