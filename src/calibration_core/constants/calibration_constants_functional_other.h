@@ -16,6 +16,7 @@
 
 #include <string>
 
+#include "calibration_core/constants/constant_accessors.h"
 #include "calibration_core/constants/functional_constants.h"
 #include "calibration_core/constants/functional_constants_base.h"
 
@@ -53,17 +54,13 @@ template <class Derived, class Interface>
 class FtmsConstantsBase : public FunctionalConstantsBase<Derived, Interface, kCalibrationTypeFTMS>,
                           public virtual ICalibrationConstantsFunctionalComputationLinear {
  public:
-  double GetBeta() const override { return beta_; }
-  void SetBeta(const double& beta) override { beta_ = beta; }
-  double GetFreqHigh() const override { return freqHigh_; }
-  void SetFreqHigh(const double& freqHigh) override { freqHigh_ = freqHigh; }
-  int GetFtmsRawMode() const override { return ftmsRawMode_; }
-  void SetFtmsRawMode(const int& mode) override { ftmsRawMode_ = mode; }
+  KORA_CONSTANT(double, Beta, beta_);
+  KORA_CONSTANT(double, FreqHigh, freqHigh_);
+  KORA_CONSTANT(int, FtmsRawMode, ftmsRawMode_);
 
   double GetC0() const override { return 0.0; }
   void SetC0(const double& c0) override {}
-  double GetA1() const override { return beta_; }
-  void SetA1(const double& a1) override { beta_ = a1; }
+  KORA_CONSTANT(double, A1, beta_);
 
  protected:
   FtmsConstantsBase(double beta, double freqHigh, int ftmsRawMode, int calibMode)
@@ -97,8 +94,7 @@ class CalibrationConstantsFunctionalHalyard
     return C0C1Equal(o) && o.GetC2() == c2_;
   }
 
-  double GetC2() const override { return c2_; }
-  void SetC2(const double& c2) override { c2_ = c2; }
+  KORA_CONSTANT(double, C2, c2_);
   double GetA1FromStoredC1() const override { return slopeTermFromC1(c1_); }
 
  private:
@@ -151,10 +147,8 @@ class CalibrationConstantsFunctionalFTMS1356
     return FtmsFieldsEqual(o) && o.GetAlpha() == alpha_;
   }
 
-  double GetAlpha() const override { return alpha_; }
-  void SetAlpha(const double& alpha) override { alpha_ = alpha; }
-  double GetC2() const override { return alpha_; }
-  void SetC2(const double& c2) override { alpha_ = c2; }
+  KORA_CONSTANT(double, Alpha, alpha_);
+  KORA_CONSTANT(double, C2, alpha_);
   double GetA1FromStoredC1() const override { return slopeTermFromC1(beta_); }
 
  private:

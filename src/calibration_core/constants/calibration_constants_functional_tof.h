@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "calibration_core/constants/constant_accessors.h"
 #include "calibration_core/constants/functional_constants.h"
 #include "calibration_core/constants/functional_constants_base.h"
 
@@ -41,12 +42,9 @@ class CalibrationConstantsFunctionalTOF2
     return TofFieldsEqual(o) && o.GetC3() == c3_ && o.GetC4() == c4_;
   }
 
-  double GetC3() const override { return c3_; }
-  void SetC3(const double& c3) override { c3_ = c3; }
-  double GetC4() const override { return c4_; }
-  void SetC4(const double& c4) override { c4_ = c4; }
-  double GetDm() const override { return c4_; }
-  void SetDm(const double& dm) override { c4_ = dm; }
+  KORA_CONSTANT(double, C3, c3_);
+  KORA_CONSTANT(double, C4, c4_);
+  KORA_CONSTANT(double, Dm, c4_);
 
  private:
   double c3_;

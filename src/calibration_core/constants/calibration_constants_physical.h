@@ -11,6 +11,7 @@
 
 #include <string>
 
+#include "calibration_core/constants/constant_accessors.h"
 #include "calibration_core/constants/physical_constants.h"
 
 namespace lumo {
@@ -29,15 +30,11 @@ class CalibrationConstantsPhysicalTOF : public virtual ICalibrationConstantsPhys
   void SetRawRangeStart(double raw, double index) override;
   std::string Dump() const override;
 
-  double GetTimeDelay() const override { return timeDelay_; }
-  void SetTimeDelay(const double& delay) override { timeDelay_ = delay; }
-  double GetTimeBase() const override { return timeBase_; }
-  void SetTimeBase(const double& timeBase) override { timeBase_ = timeBase; }
+  KORA_CONSTANT(double, TimeDelay, timeDelay_);
+  KORA_CONSTANT(double, TimeBase, timeBase_);
 
-  double GetA0() const override { return timeDelay_; }
-  void SetA0(const double& a0) override { timeDelay_ = a0; }
-  double GetA1() const override { return timeBase_; }
-  void SetA1(const double& a1) override { timeBase_ = a1; }
+  KORA_CONSTANT(double, A0, timeDelay_);
+  KORA_CONSTANT(double, A1, timeBase_);
 
  private:
   double timeDelay_;
@@ -54,10 +51,8 @@ class CalibrationConstantsPhysicalLinear : public virtual ICalibrationConstantsP
   void SetRawRangeStart(double raw, double index) override;
   std::string Dump() const override;
 
-  double GetA0() const override { return a0_; }
-  void SetA0(const double& a0) override { a0_ = a0; }
-  double GetA1() const override { return a1_; }
-  void SetA1(const double& a1) override { a1_ = a1; }
+  KORA_CONSTANT(double, A0, a0_);
+  KORA_CONSTANT(double, A1, a1_);
 
  private:
   double a0_;
@@ -75,13 +70,10 @@ class CalibrationConstantsPhysicalHalyard : public virtual ICalibrationConstants
   void SetRawRangeStart(double raw, double index) override;
   std::string Dump() const override;
 
-  double GetBeginRawMass() const override { return beginRawMass_; }
-  void SetBeginRawMass(const double& begin) override { beginRawMass_ = begin; }
-  double GetMeasurementsPerRawMass() const override { return measurementsPerRawMass_; }
-  void SetMeasurementsPerRawMass(const double& count) override { measurementsPerRawMass_ = count; }
+  KORA_CONSTANT(double, BeginRawMass, beginRawMass_);
+  KORA_CONSTANT(double, MeasurementsPerRawMass, measurementsPerRawMass_);
 
-  double GetA0() const override { return beginRawMass_; }
-  void SetA0(const double& a0) override { beginRawMass_ = a0; }
+  KORA_CONSTANT(double, A0, beginRawMass_);
   double GetA1() const override { return 1.0 / measurementsPerRawMass_; }
   void SetA1(const double& a1) override { measurementsPerRawMass_ = 1.0 / a1; }
 
@@ -103,10 +95,8 @@ class CalibrationConstantsPhysicalFTMS : public virtual ICalibrationConstantsPhy
   void SetRawRangeStart(double raw, double index) override;
   std::string Dump() const override;
 
-  int GetCalibMode() const override { return calibMode_; }
-  void SetCalibMode(const int& mode) override { calibMode_ = mode; }
-  int GetFtmsRawMode() const override { return ftmsRawMode_; }
-  void SetFtmsRawMode(const int& mode) override { ftmsRawMode_ = mode; }
+  KORA_CONSTANT(int, CalibMode, calibMode_);
+  KORA_CONSTANT(int, FtmsRawMode, ftmsRawMode_);
   double GetFreqLow() const override { return freqLow_; }
   double GetFreqWidth() const override { return freqWidth_; }
   int GetSize() const override { return size_; }

@@ -16,6 +16,7 @@
 #include <string>
 
 #include "calibration_core/cloneable.h"
+#include "calibration_core/constants/constant_accessors.h"
 
 namespace lumo {
 namespace calibration {
@@ -42,8 +43,7 @@ enum CalibrationType {
 class ICalibrationConstantsFunctional : public virtual ICloneable {
  public:
   // The calibration mode number read with the constants (-1: none).
-  virtual int GetCalibMode() const = 0;
-  virtual void SetCalibMode(const int& mode) = 0;
+  KORA_ABSTRACT_CONSTANT(int, CalibMode);
   // True when `other` is of the same family with equal fields.
   virtual bool IsEqual(const ICalibrationConstantsFunctionalPtr& other) const = 0;
   // The family number, see CalibrationType.
@@ -58,17 +58,14 @@ class ICalibrationConstantsFunctional : public virtual ICloneable {
 // c0 and the slope term a1 of a first-degree law.
 class ICalibrationConstantsFunctionalComputationLinear : public virtual ICloneable {
  public:
-  virtual double GetC0() const = 0;
-  virtual void SetC0(const double& c0) = 0;
-  virtual double GetA1() const = 0;
-  virtual void SetA1(const double& a1) = 0;
+  KORA_ABSTRACT_CONSTANT(double, C0);
+  KORA_ABSTRACT_CONSTANT(double, A1);
 };
 
 class ICalibrationConstantsFunctionalComputationQuadratic
     : public virtual ICalibrationConstantsFunctionalComputationLinear {
  public:
-  virtual double GetC2() const = 0;
-  virtual void SetC2(const double& c2) = 0;
+  KORA_ABSTRACT_CONSTANT(double, C2);
   // 1e12 / (c1 * c1) of the stored flight constant; read by no conversion.
   virtual double GetA1FromStoredC1() const = 0;
 };
@@ -76,15 +73,13 @@ class ICalibrationConstantsFunctionalComputationQuadratic
 class ICalibrationConstantsFunctionalComputationCubic
     : public virtual ICalibrationConstantsFunctionalComputationQuadratic {
  public:
-  virtual double GetC3() const = 0;
-  virtual void SetC3(const double& c3) = 0;
+  KORA_ABSTRACT_CONSTANT(double, C3);
 };
 
 // The mass shift dm: the polynomial's variable is sqrt(m + dm).
 class ICalibrationConstantsFunctionalComputationShift : public virtual ICloneable {
  public:
-  virtual double GetDm() const = 0;
-  virtual void SetDm(const double& dm) = 0;
+  KORA_ABSTRACT_CONSTANT(double, Dm);
 };
 
 // TOF1: t = c0 + sqrt(a1 * m) (+ c2 * m), a1 = 1e12 / (c1 * c1).
@@ -92,12 +87,9 @@ class ICalibrationConstantsFunctionalTOF1
     : public virtual ICalibrationConstantsFunctional,
       public virtual ICalibrationConstantsFunctionalComputationQuadratic {
  public:
-  virtual double GetC0() const = 0;
-  virtual void SetC0(const double& c0) = 0;
-  virtual double GetC1() const = 0;
-  virtual void SetC1(const double& c1) = 0;
-  virtual double GetC2() const = 0;
-  virtual void SetC2(const double& c2) = 0;
+  KORA_ABSTRACT_CONSTANT(double, C0);
+  KORA_ABSTRACT_CONSTANT(double, C1);
+  KORA_ABSTRACT_CONSTANT(double, C2);
 };
 
 // TOF2: t = c0 + sqrt(a1) w + c2 w^2 + c3 w^3 with w = sqrt(m + c4), c4 = dm.
@@ -106,10 +98,8 @@ class ICalibrationConstantsFunctionalTOF2
       public virtual ICalibrationConstantsFunctionalComputationShift,
       public virtual ICalibrationConstantsFunctionalComputationCubic {
  public:
-  virtual double GetC1() const = 0;
-  virtual void SetC1(const double& c1) = 0;
-  virtual double GetC4() const = 0;
-  virtual void SetC4(const double& c4) = 0;
+  KORA_ABSTRACT_CONSTANT(double, C1);
+  KORA_ABSTRACT_CONSTANT(double, C4);
 };
 
 // Halyard (ion trap): the mass is a polynomial of the raw mass axis.
@@ -117,36 +107,29 @@ class ICalibrationConstantsFunctionalHalyard
     : public virtual ICalibrationConstantsFunctional,
       public virtual ICalibrationConstantsFunctionalComputationQuadratic {
  public:
-  virtual double GetC1() const = 0;
-  virtual void SetC1(const double& c1) = 0;
+  KORA_ABSTRACT_CONSTANT(double, C1);
 };
 
 // A purely linear mass axis: m = c1 * raw + c0.
 class ICalibrationConstantsFunctionalLinear : public virtual ICalibrationConstantsFunctional {
  public:
-  virtual double GetC0() const = 0;
-  virtual void SetC0(const double& c0) = 0;
-  virtual double GetC1() const = 0;
-  virtual void SetC1(const double& c1) = 0;
+  KORA_ABSTRACT_CONSTANT(double, C0);
+  KORA_ABSTRACT_CONSTANT(double, C1);
 };
 
 // Fourier-transform instruments: the raw axis is a frequency axis.
 class ICalibrationConstantsFunctionalFTMS : public virtual ICalibrationConstantsFunctional {
  public:
-  virtual double GetBeta() const = 0;
-  virtual void SetBeta(const double& beta) = 0;
-  virtual double GetFreqHigh() const = 0;
-  virtual void SetFreqHigh(const double& freqHigh) = 0;
-  virtual int GetFtmsRawMode() const = 0;
-  virtual void SetFtmsRawMode(const int& mode) = 0;
+  KORA_ABSTRACT_CONSTANT(double, Beta);
+  KORA_ABSTRACT_CONSTANT(double, FreqHigh);
+  KORA_ABSTRACT_CONSTANT(int, FtmsRawMode);
 };
 
 class ICalibrationConstantsFunctionalFTMS04 : public virtual ICalibrationConstantsFunctionalFTMS {};
 
 class ICalibrationConstantsFunctionalFTMS1356 : public virtual ICalibrationConstantsFunctionalFTMS {
  public:
-  virtual double GetAlpha() const = 0;
-  virtual void SetAlpha(const double& alpha) = 0;
+  KORA_ABSTRACT_CONSTANT(double, Alpha);
 };
 
 typedef boost::shared_ptr<ICalibrationConstantsFunctionalComputationLinear>

@@ -14,6 +14,7 @@
 #include <boost/pointer_cast.hpp>
 #include <sstream>
 
+#include "calibration_core/constants/constant_accessors.h"
 #include "calibration_core/constants/functional_constants.h"
 
 namespace lumo {
@@ -41,8 +42,7 @@ class FunctionalConstantsBase : public virtual Interface {
     return boost::make_shared<Derived>(static_cast<const Derived&>(*this));
   }
 
-  int GetCalibMode() const override { return calibMode_; }
-  void SetCalibMode(const int& mode) override { calibMode_ = mode; }
+  KORA_CONSTANT(int, CalibMode, calibMode_);
   int GetCalibrationType() const override { return kCalibrationType; }
   // Does nothing: the index offset is folded into the physical constants.
   void AssimilateIndexOffset(double indexOffset) override {}
@@ -64,10 +64,8 @@ class FunctionalConstantsBase : public virtual Interface {
 template <class Derived, class Interface, int kCalibrationType>
 class C0C1ConstantsBase : public FunctionalConstantsBase<Derived, Interface, kCalibrationType> {
  public:
-  double GetC0() const override { return c0_; }
-  void SetC0(const double& c0) override { c0_ = c0; }
-  double GetC1() const override { return c1_; }
-  void SetC1(const double& c1) override { c1_ = c1; }
+  KORA_CONSTANT(double, C0, c0_);
+  KORA_CONSTANT(double, C1, c1_);
 
  protected:
   C0C1ConstantsBase(double c0, double c1, int calibMode)
@@ -85,8 +83,7 @@ class C0C1ConstantsBase : public FunctionalConstantsBase<Derived, Interface, kCa
 template <class Derived, class Interface, int kCalibrationType>
 class TofConstantsBase : public C0C1ConstantsBase<Derived, Interface, kCalibrationType> {
  public:
-  double GetC2() const override { return c2_; }
-  void SetC2(const double& c2) override { c2_ = c2; }
+  KORA_CONSTANT(double, C2, c2_);
 
   // The slope term of every TOF law. a1 is 1e12 / (c1 * c1) wherever the
   // slope term is meant: here, in GetA1FromStoredC1, in the polynomials of

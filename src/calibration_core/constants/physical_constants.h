@@ -13,6 +13,7 @@
 #include <string>
 
 #include "calibration_core/cloneable.h"
+#include "calibration_core/constants/constant_accessors.h"
 
 namespace lumo {
 namespace calibration {
@@ -36,37 +37,29 @@ class ICalibrationConstantsPhysical : public virtual ICloneable {
 // raw = index * a1 + a0.
 class ICalibrationConstantsPhysicalLinear : public virtual ICalibrationConstantsPhysical {
  public:
-  virtual double GetA0() const = 0;
-  virtual void SetA0(const double& a0) = 0;
-  virtual double GetA1() const = 0;
-  virtual void SetA1(const double& a1) = 0;
+  KORA_ABSTRACT_CONSTANT(double, A0);
+  KORA_ABSTRACT_CONSTANT(double, A1);
 };
 
 // Digitizer of a time-of-flight instrument; raw is the flight time.
 class ICalibrationConstantsPhysicalTOF : public virtual ICalibrationConstantsPhysical {
  public:
-  virtual double GetTimeDelay() const = 0;
-  virtual void SetTimeDelay(const double& delay) = 0;
-  virtual double GetTimeBase() const = 0;
-  virtual void SetTimeBase(const double& timeBase) = 0;
+  KORA_ABSTRACT_CONSTANT(double, TimeDelay);
+  KORA_ABSTRACT_CONSTANT(double, TimeBase);
 };
 
 // Raw mass grid of an ion trap.
 class ICalibrationConstantsPhysicalHalyard : public virtual ICalibrationConstantsPhysical {
  public:
-  virtual double GetBeginRawMass() const = 0;
-  virtual void SetBeginRawMass(const double& begin) = 0;
-  virtual double GetMeasurementsPerRawMass() const = 0;
-  virtual void SetMeasurementsPerRawMass(const double& count) = 0;
+  KORA_ABSTRACT_CONSTANT(double, BeginRawMass);
+  KORA_ABSTRACT_CONSTANT(double, MeasurementsPerRawMass);
 };
 
 // Frequency grid of a Fourier-transform instrument.
 class ICalibrationConstantsPhysicalFTMS : public virtual ICalibrationConstantsPhysical {
  public:
-  virtual int GetCalibMode() const = 0;
-  virtual void SetCalibMode(const int& mode) = 0;
-  virtual int GetFtmsRawMode() const = 0;
-  virtual void SetFtmsRawMode(const int& mode) = 0;
+  KORA_ABSTRACT_CONSTANT(int, CalibMode);
+  KORA_ABSTRACT_CONSTANT(int, FtmsRawMode);
   virtual double GetFreqLow() const = 0;
   virtual double GetFreqWidth() const = 0;
   // Number of samples of the transient.

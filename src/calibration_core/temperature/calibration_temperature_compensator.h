@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "calibration_core/cloneable.h"
+#include "calibration_core/constants/constant_accessors.h"
 #include "calibration_core/transformation/calibration_transformator.h"
 
 namespace lumo {
@@ -21,8 +22,7 @@ class ICalibrationTemperatureCompensator {
  public:
   virtual ~ICalibrationTemperatureCompensator() {}
 
-  virtual ICalibrationTransformatorPtr GetReferenceTransformator() const = 0;
-  virtual void SetReferenceTransformator(const ICalibrationTransformatorPtr& reference) = 0;
+  KORA_ABSTRACT_CONSTANT(ICalibrationTransformatorPtr, ReferenceTransformator);
   virtual std::vector<double> GetReferenceTemperatures() const = 0;
   virtual void SetReferenceTemperatures(const std::vector<double>& temperatures) = 0;
   // Parts per million per unit of temperature, one per sensor.
@@ -30,8 +30,7 @@ class ICalibrationTemperatureCompensator {
   virtual void SetTemperatureFactors(const std::vector<double>& factors) = 0;
   // The transformator that the argument-free GetCompensatedTransformator
   // adapts to.
-  virtual ICalibrationTransformatorPtr GetCurrentTransformator() const = 0;
-  virtual void SetCurrentTransformator(const ICalibrationTransformatorPtr& current) = 0;
+  KORA_ABSTRACT_CONSTANT(ICalibrationTransformatorPtr, CurrentTransformator);
   // A clone of the reference transformator with the physical constants of
   // `measured` and its functional constants adapted to the temperatures of
   // `measured`'s. Empty when `measured` or the reference is empty; the plain
