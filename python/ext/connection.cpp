@@ -39,22 +39,28 @@ void Connection::fail() {
   throw LibraryError(text);
 }
 
-void Connection::readScans(int64_t frame, uint32_t begin, uint32_t end, bool raw, WordBuffer& out) {
+void Connection::appendScans(int64_t frame, uint32_t begin, uint32_t end, bool raw,
+                             WordBuffer& out) {
   requireOpen();
   const auto read = raw ? kora_read_scans_internal : kora_read_scans_v2;
   constexpr size_t kMaxWords = std::numeric_limits<uint32_t>::max() / sizeof(uint32_t);
+  const size_t kept = out.size();
   // The library reports the bytes it needs and writes nothing when `len` is
-  // smaller; the second call decodes anew into a buffer of that size.
+  // smaller; the second call decodes anew into room of that size.
   for (;;) {
-    const size_t words = std::min(out.capacity(), kMaxWords);
-    const uint32_t needed =
-        read(handle_, frame, begin, end, out.data(), static_cast<uint32_t>(words * 4));
+    const size_t room = std::min(out.capacity() - kept, kMaxWords);
+    const uint32_t needed = read(handle_, frame, begin, end, out.data() + kept,
+                                 static_cast<uint32_t>(room * 4));
     if (needed == 0) fail();
-    if (needed <= words * 4) {
-      out.resize(needed / 4);
+    if (needed <= room * 4) {
+      out.resize(kept + needed / 4);
       return;
     }
-    out.reserveDiscarding(needed / 4);
+    if (kept == 0) {
+      out.reserveDiscarding(needed / 4);
+    } else {
+      out.reserve(std::max(kept + needed / 4, out.capacity() + out.capacity() / 2));
+    }
   }
 }
 

@@ -56,12 +56,13 @@ class Connection {
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
 
-  // Reads scans [begin, end) of `frame` into `out` in the library's layout:
-  // the end - begin peak counts, then per scan its indices and intensities.
-  // Intensities as stored when `raw`, else normalised by the analysis's
-  // default. `out` is grown only when the library asks for more than its
-  // capacity. Throws LibraryError.
-  void readScans(int64_t frame, uint32_t begin, uint32_t end, bool raw, WordBuffer& out);
+  // Appends the read of scans [begin, end) of `frame` to `out`, in the
+  // library's layout: the end - begin peak counts, then per scan its indices
+  // and intensities. Intensities as stored when `raw`, else normalised by the
+  // analysis's default. `out` is grown (keeping its words) only when the
+  // library asks for more than its spare capacity. Throws LibraryError, and
+  // then `out` holds the words it had.
+  void appendScans(int64_t frame, uint32_t begin, uint32_t end, bool raw, WordBuffer& out);
 
   // Converts `count` values of `frame`; `in` may equal `out`. Throws
   // LibraryError (also when this build has no conversions).

@@ -4,14 +4,13 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
-#include <cstring>
 #include <exception>
 #include <mutex>
-#include <numeric>
 #include <thread>
+#include <vector>
 
+#include "frame_batch.h"
 #include "koradata.h"
-#include "scan_layout.h"
 
 namespace koradata_py {
 namespace detail {
@@ -72,95 +71,59 @@ class ProgressBoard {
   bool finished_ = false;
 };
 
-// The rows one worker has gathered, for a contiguous run of frames.
-struct WorkerRows {
-  MallocVector<int64_t> frame;
-  MallocVector<uint32_t> scan, tof, intensity;
-  MallocVector<double> mz, invMobility;
-  size_t rows = 0;
-
-  // Calls op(column) for each wanted column.
-  template <class Op>
-  void forWanted(const QueryColumns& wanted, Op op) {
-    if (wanted.frame) op(frame);
-    if (wanted.scan) op(scan);
-    if (wanted.tof) op(tof);
-    if (wanted.intensity) op(intensity);
-    if (wanted.mz) op(mz);
-    if (wanted.invMobility) op(invMobility);
-  }
-};
-
-// Decodes frames into the rows of one worker. Thread-compatible.
-class FrameDecoder {
+// Hands out frame positions until every one is taken: ascending from the
+// front to the front reader, descending from the back to the others. The
+// front reader's frames are thus a prefix of the query, whose rows start at
+// row 0. Thread-safe.
+class FrameClaims {
  public:
-  // `frames`: how many frames this decoder is expected to append.
-  FrameDecoder(const QueryRequest& request, Connection& connection, WorkerRows& rows, size_t frames)
-      : request_(request), connection_(connection), out_(rows), frames_(frames) {}
+  explicit FrameClaims(size_t count) : back_(count), none_(count) {}
 
-  // Appends the rows of frame `position` and returns their number. On a
-  // failure nothing is appended.
-  // REQUIRES: request.numScans[position] != 0.
-  size_t append(size_t position) {
-    const int64_t frame = request_.frames[position];
-    const int64_t scans = request_.numScans[position];
-    const uint32_t end = scans < 0 ? 1 : static_cast<uint32_t>(scans);
-    connection_.readScans(frame, 0, end, request_.raw, words_);
-    if (scans < 0) throw LibraryError("Number of scans of the frame unknown.");
-    const QueryColumns& wanted = request_.columns;
-    const size_t first = out_.rows;
-    const size_t peaks = peakCount(words_.size(), end);
-    if (wanted.invMobility) {
-      scanValues_.resize(end);
-      std::iota(scanValues_.data(), scanValues_.data() + end, 0.0);
-      connection_.convert(Conversion::kScanToInvMobility, frame, scanValues_.data(),
-                          scanValues_.data(), end);
-    }
-    // Room for all frames at once, guessed from the first, so that the
-    // columns rarely grow (and large blocks come from the block cache).
-    const size_t guess = peaks * frames_ + peaks * frames_ / 8;
-    if (first == 0) out_.forWanted(wanted, [&](auto& column) { column.reserve(guess); });
-    out_.forWanted(wanted, [&](auto& column) { column.resize(first + peaks); });
-    PeakColumns to;
-    to.scan = wanted.scan ? out_.scan.data() + first : nullptr;
-    to.tof = wanted.tof ? out_.tof.data() + first : nullptr;
-    to.intensity = wanted.intensity ? out_.intensity.data() + first : nullptr;
-    to.invMobility = wanted.invMobility ? out_.invMobility.data() + first : nullptr;
-    scatterScans(words_.data(), end, 0, scanValues_.data(), to);
-    if (wanted.frame) std::fill_n(out_.frame.data() + first, peaks, frame);
-    if (wanted.mz) {
-      double* mz = out_.mz.data() + first;
-      indicesAsDoubles(words_.data(), end, mz);
-      connection_.convert(Conversion::kIndexToMz, frame, mz, mz, peaks);
-    }
-    out_.rows = first + peaks;
-    return peaks;
+  // The next position, or the frame count once all are taken.
+  size_t take(bool fromFront) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (front_ == back_) return none_;
+    return fromFront ? front_++ : --back_;
   }
 
  private:
-  const QueryRequest& request_;
-  Connection& connection_;
-  WorkerRows& out_;
-  const size_t frames_;
-  WordBuffer words_;                 // reused over frames
-  MallocVector<double> scanValues_;  // scan numbers, then their 1/K0
+  std::mutex mutex_;
+  size_t front_ = 0;  // guarded by mutex_
+  size_t back_;       // guarded by mutex_
+  const size_t none_;
 };
 
-// Moves the rows of all workers, in worker order, into `target`: the
-// first worker's block is grown in place, the others are copied behind it in
-// parallel.
-template <class T>
-MallocArray<T> joinColumn(std::vector<WorkerRows>& workers, MallocVector<T> WorkerRows::*column,
-                          const std::vector<size_t>& firstRow) {
-  MallocVector<T>& head = workers.front().*column;
-  head.resize(firstRow.back());
-  T* joined = head.data();
-  onThreads(workers.size() - 1, [&](size_t i) {
-    MallocVector<T>& part = workers[i + 1].*column;
-    std::memcpy(joined + firstRow[i + 1], part.data(), workers[i + 1].rows * sizeof(T));
-    part = MallocVector<T>();
+// A frame kept by a back reader, to be written at its row.
+struct PendingFrame {
+  const FrameBatch* batch;
+  const StoredFrame* stored;
+};
+
+// Writes the pending frames to their rows of `table` on `threads` threads,
+// each taking a contiguous run of about equal rows, so that each page of the
+// columns is first touched by the thread that fills it.
+// `firstRow[p]`: the first row of the frame at position p.
+void writeRowsOnThreads(std::vector<PendingFrame>& pending, const std::vector<size_t>& firstRow,
+                        size_t threads, PeakTable& table) {
+  std::sort(pending.begin(), pending.end(), [](const PendingFrame& a, const PendingFrame& b) {
+    return a.stored->position < b.stored->position;
   });
-  return head.release();
+  size_t rows = 0;
+  for (const PendingFrame& f : pending) rows += f.stored->peaks;
+  // Run t holds the frames whose rows begin in [t * rows / threads, ...).
+  std::vector<size_t> runBegin(threads + 1, pending.size());
+  size_t row = 0;
+  size_t run = 0;
+  for (size_t i = 0; i < pending.size(); ++i) {
+    while (run < threads && row >= run * rows / threads) runBegin[run++] = i;
+    row += pending[i].stored->peaks;
+  }
+  onThreads(threads, [&](size_t t) {
+    for (size_t i = runBegin[t]; i < runBegin[t + 1]; ++i) {
+      const StoredFrame& s = *pending[i].stored;
+      pending[i].batch->writeRows(s, table, firstRow[s.position]);
+    }
+  });
 }
 
 }  // namespace detail
@@ -174,7 +137,11 @@ QueryResult runQuery(const QueryRequest& request, const std::string& directory, 
 
   QueryResult result;
   result.peaks.assign(count, 0);
-  std::vector<detail::WorkerRows> rows(workers);
+  const QueryColumns& wanted = request.columns;
+  PeakTable table;
+  size_t frontRows = 0;  // rows of the front reader's frames, written to `table`
+  std::vector<std::unique_ptr<FrameBatch>> batches(workers);
+  detail::FrameClaims claims(count);
   std::mutex errorsMutex;
   // Position of the first failed frame under stopOnError: frames behind it
   // are not read, frames before it still are, so that the first failure in
@@ -184,32 +151,65 @@ QueryResult runQuery(const QueryRequest& request, const std::string& directory, 
   detail::ProgressBoard board;
   std::exception_ptr openFailure;
 
-  // Worker w reads the contiguous run of frames [begin(w), begin(w + 1)), so
-  // that its rows are in frame order and the runs join in worker order.
-  auto begin = [&](size_t w) { return w * count / workers; };
+  // Reader 0 writes each frame's rows into `table` at once, behind the rows
+  // before it; the others keep their frames until all are read and the
+  // rows of every frame are known.
+  auto read = [&](size_t w) {
+    if (!pool[w]) pool[w] = std::make_unique<Connection>(directory, recalibrated);
+    // The batch m/z conversion may start threads of its own; beside
+    // other readers it runs on this one alone (the setting is per thread).
+    if (workers > 1) kora_set_num_threads(1);
+    const bool front = w == 0;
+    batches[w] = std::make_unique<FrameBatch>(request, *pool[w], front ? 1 : count / workers);
+    FrameBatch& batch = *batches[w];
+    for (size_t i = claims.take(front); i < count && !cancelled.load(); i = claims.take(front)) {
+      if (request.numScans[i] != 0 && i < stopAt.load()) {
+        try {
+          if (front) batch.clear();
+          result.peaks[i] = batch.append(i);
+        } catch (const LibraryError& e) {
+          std::lock_guard<std::mutex> lock(errorsMutex);
+          result.errors.push_back({i, e.what()});
+          if (request.stopOnError && i < stopAt.load()) stopAt.store(i);
+        }
+        if (front && !batch.frames().empty()) {
+          const size_t peaks = batch.frames().front().peaks;
+          // Room for all frames, guessed from the first.
+          if (frontRows == 0) {
+            table.forWanted(wanted, [&](auto& c) { c.reserve(peaks * count + peaks * count / 8); });
+          }
+          table.forWanted(wanted, [&](auto& c) { c.resize(frontRows + peaks); });
+          batch.writeRows(batch.frames().front(), table, frontRows);
+          frontRows += peaks;
+        }
+      }
+      board.frameDone();
+    }
+  };
+  auto failedEarly = [&] {
+    if (cancelled.load()) return true;
+    std::lock_guard<std::mutex> lock(errorsMutex);
+    return request.stopOnError && !result.errors.empty();
+  };
+  // The rows of the back readers' frames, once the rows of all are known.
+  auto writeBack = [&] {
+    std::vector<size_t> firstRow(count + 1, 0);
+    for (size_t i = 0; i < count; ++i) firstRow[i + 1] = firstRow[i] + result.peaks[i];
+    result.rows = firstRow[count];
+    table.forWanted(wanted, [&](auto& c) {
+      c.reserve(result.rows);
+      c.resize(result.rows);
+    });
+    std::vector<detail::PendingFrame> pending;
+    for (size_t w = 1; w < workers; ++w) {
+      for (const StoredFrame& s : batches[w]->frames()) pending.push_back({batches[w].get(), &s});
+    }
+    detail::writeRowsOnThreads(pending, firstRow, workers, table);
+  };
   std::thread readers([&] {
     try {
-      detail::onThreads(workers, [&](size_t w) {
-        if (!pool[w]) pool[w] = std::make_unique<Connection>(directory, recalibrated);
-        // The batch m/z conversion may start threads of its own; beside
-        // other workers it runs on this one alone (the setting is per thread).
-        if (workers > 1) kora_set_num_threads(1);
-        // Worker 0's columns grow into the joined ones: room for all frames.
-        const size_t frames = w == 0 ? count : begin(w + 1) - begin(w);
-        detail::FrameDecoder decoder(request, *pool[w], rows[w], frames);
-        for (size_t i = begin(w); i < begin(w + 1) && i < stopAt.load() && !cancelled.load(); ++i) {
-          if (request.numScans[i] != 0) {
-            try {
-              result.peaks[i] = decoder.append(i);
-            } catch (const LibraryError& e) {
-              std::lock_guard<std::mutex> lock(errorsMutex);
-              result.errors.push_back({i, e.what()});
-              if (request.stopOnError && i < stopAt.load()) stopAt.store(i);
-            }
-          }
-          board.frameDone();
-        }
-      });
+      detail::onThreads(workers, read);
+      if (!failedEarly()) writeBack();
     } catch (...) {
       openFailure = std::current_exception();
     }
@@ -224,20 +224,14 @@ QueryResult runQuery(const QueryRequest& request, const std::string& directory, 
   if (!cancelled.load()) progress(done);
   std::sort(result.errors.begin(), result.errors.end(),
             [](const FrameError& a, const FrameError& b) { return a.position < b.position; });
-  if (cancelled.load() || (request.stopOnError && !result.errors.empty())) return result;
+  if (failedEarly()) return result;
 
-  std::vector<size_t> firstRow(workers + 1, 0);
-  for (size_t w = 0; w < workers; ++w) firstRow[w + 1] = firstRow[w] + rows[w].rows;
-  result.rows = firstRow.back();
-  const QueryColumns& c = request.columns;
-  using detail::joinColumn;
-  using detail::WorkerRows;
-  if (c.frame) result.frame = joinColumn(rows, &WorkerRows::frame, firstRow);
-  if (c.scan) result.scan = joinColumn(rows, &WorkerRows::scan, firstRow);
-  if (c.tof) result.tof = joinColumn(rows, &WorkerRows::tof, firstRow);
-  if (c.intensity) result.intensity = joinColumn(rows, &WorkerRows::intensity, firstRow);
-  if (c.mz) result.mz = joinColumn(rows, &WorkerRows::mz, firstRow);
-  if (c.invMobility) result.invMobility = joinColumn(rows, &WorkerRows::invMobility, firstRow);
+  if (wanted.frame) result.frame = table.frame.release();
+  if (wanted.scan) result.scan = table.scan.release();
+  if (wanted.tof) result.tof = table.tof.release();
+  if (wanted.intensity) result.intensity = table.intensity.release();
+  if (wanted.mz) result.mz = table.mz.release();
+  if (wanted.invMobility) result.invMobility = table.invMobility.release();
   return result;
 }
 

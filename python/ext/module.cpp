@@ -68,7 +68,8 @@ class Handle {
       py::gil_scoped_release nogil;
       std::lock_guard<std::mutex> lock(mutex_);
       Connection& connection = open();
-      connection.readScans(frame, begin, end, raw, scratch_);
+      scratch_.resize(0);
+      connection.appendScans(frame, begin, end, raw, scratch_);
       // The library has refused an empty range, so end > begin here.
       const uint32_t scans = end - begin;
       peaks = peakCount(scratch_.size(), scans);
