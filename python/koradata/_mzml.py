@@ -19,7 +19,7 @@ than a few frames: the spectra are first written to a spool document beside
 the output, since the spectrum count heads the list and is known only when
 every frame has been read; then the output is written around a copy of them,
 with the index of spectrum offsets and the SHA-1 checksum of the file up to
-the checksum element. A failed export writes no output file.
+the checksum element. A failed export leaves no output file.
 """
 
 import array
@@ -115,6 +115,7 @@ def _binary_array(xf, values, dtype, zlib_compressed, array_name, unit, array_va
         _leaf(xf, 7, "binary", text)
 
 
+_POLARITIES = {"+": "positive scan", "-": "negative scan"}
 _FLOAT64 = np.dtype("<f8")
 _FLOAT32 = np.dtype("<f4")
 
@@ -133,7 +134,8 @@ class _SpectrumWriter:
 
     def write(self, frame, scan, polarity, retention_time, mz, intensity, mobility):
         """One spectrum; ``mobility`` is the array of a frame's spectrum
-        (scan < 0) or the 1/K0 of a scan's."""
+        (scan < 0) or the 1/K0 of a scan's. An unknown polarity or a NaN
+        retention time is left out."""
         xf = self._xf
         xf.write(_INDENT[4])
         xf.flush()
@@ -146,7 +148,8 @@ class _SpectrumWriter:
             _cv_param(xf, 5, "ms level", 1)
             _cv_param(xf, 5, "MS1 spectrum")
             _cv_param(xf, 5, "centroid spectrum")
-            _cv_param(xf, 5, "negative scan" if polarity == "-" else "positive scan")
+            if polarity in _POLARITIES:
+                _cv_param(xf, 5, _POLARITIES[polarity])
             _cv_param(xf, 5, "total ion current", int(intensity.sum(dtype=np.uint64)))
             if len(mz):
                 base = int(np.argmax(intensity))
@@ -158,7 +161,9 @@ class _SpectrumWriter:
             with _block(xf, 5, "scanList", count="1"):
                 _cv_param(xf, 6, "no combination")
                 with _block(xf, 6, "scan"):
-                    _cv_param(xf, 7, "scan start time", repr(float(retention_time)), "second")
+                    if not np.isnan(retention_time):
+                        _cv_param(xf, 7, "scan start time", repr(float(retention_time)),
+                                  "second")
                     if scan >= 0:
                         _cv_param(xf, 7, "inverse reduced ion mobility",
                                   repr(float(mobility)), "volt-second per square centimeter")
@@ -202,6 +207,7 @@ def _write_spectra(spool, analysis, ids, layout, zlib_compressed, errors, thread
     the children of a spectrumList root. Returns the spectrum writer, the
     byte range of the root's content and the skipped frames (id to text)."""
     table = analysis.frames.set_index("frame")
+    polarities = table["polarity"] if "polarity" in table else {}
     sink = _Sink(spool)
     skipped = {}
     with etree.xmlfile(sink, encoding="utf-8") as xf:
@@ -218,7 +224,7 @@ def _write_spectra(spool, analysis, ids, layout, zlib_compressed, errors, thread
                 lows = np.searchsorted(columns["frame"], read, side="left")
                 highs = np.searchsorted(columns["frame"], read, side="right")
                 for frame, low, high in zip(read, lows, highs):
-                    _write_frame(spectra, layout, int(frame), table.at[frame, "polarity"],
+                    _write_frame(spectra, layout, int(frame), polarities.get(frame),
                                  table.at[frame, "retention_time"],
                                  {c: v[low:high] for c, v in columns.items()})
             xf.flush()
@@ -313,11 +319,17 @@ def write_mzml(analysis, path, frames=None, layout="frame", compress="zlib", err
     check_query_arguments(_COLUMNS, errors)
     ids = np.unique(analysis.frame_ids(frames))
     path = os.fspath(path)
-    with tempfile.TemporaryFile(dir=os.path.dirname(os.path.abspath(path)),
-                                prefix=".kora-mzml-") as spool:
-        spectra, start, end, skipped = _write_spectra(
-            spool, analysis, ids, layout, compress == "zlib", errors, threads, on_frames)
-        with open(path, "wb") as out:
-            _write_document(out, os.path.basename(os.path.normpath(analysis.path)), spool,
-                            spectra, start, end)
+    with open(path, "wb") as out:
+        try:
+            with tempfile.TemporaryFile(dir=os.path.dirname(os.path.abspath(path)),
+                                        prefix=".kora-mzml-") as spool:
+                spectra, start, end, skipped = _write_spectra(
+                    spool, analysis, ids, layout, compress == "zlib", errors, threads,
+                    on_frames)
+                _write_document(out, os.path.basename(os.path.normpath(analysis.path)), spool,
+                                spectra, start, end)
+        except BaseException:
+            out.close()
+            os.remove(path)
+            raise
     return skipped

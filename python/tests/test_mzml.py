@@ -198,3 +198,10 @@ def test_to_mzml_refuses_unknown_options(sample, tmp_path, argument, message):
             analysis.to_mzml(tmp_path / "x.mzML", **argument)
     assert str(e.value) == message
     assert not (tmp_path / "x.mzML").exists()
+
+
+def test_unwritable_output_fails_with_its_name(sample):
+    result = kora("export", sample, "-o", "/nonexistent/dir/out.mzML")
+    assert (result.returncode, result.stdout) == (1, "")
+    assert result.stderr == \
+        "kora: [Errno 2] No such file or directory: '/nonexistent/dir/out.mzML'\n"
