@@ -46,6 +46,37 @@ void clampValues(std::vector<T>& values, T lower, T upper) {
 
 }  // namespace detail
 
+// The forms of the wrapped model's conversion `Op` inside a BoundsChecker,
+// one macro a form: the result clamped (in place, out of place from a
+// vector of In to one of Out, scalar), or the input clamped first (the
+// out-of-place form clamps a copy and leaves the caller's source alone).
+#define KORA_CLAMPED_RESULT_IN_PLACE(Op)                \
+  void Op(std::vector<double>& values) const override { \
+    this->base()->Op(values);                           \
+    this->clamp(values);                                \
+  }
+#define KORA_CLAMPED_RESULT_BATCH(Op, In, Out)                               \
+  void Op(const std::vector<In>& in, std::vector<Out>& out) const override { \
+    this->base()->Op(in, out);                                               \
+    this->clamp(out);                                                        \
+  }
+#define KORA_CLAMPED_RESULT_SCALAR(Op, In, Out) \
+  Out Op(In x) const override { return this->clamp(this->base()->Op(x)); }
+#define KORA_CLAMPED_RESULT(Op)                 \
+  KORA_CLAMPED_RESULT_IN_PLACE(Op)              \
+  KORA_CLAMPED_RESULT_BATCH(Op, double, double) \
+  KORA_CLAMPED_RESULT_SCALAR(Op, double, double)
+
+#define KORA_CLAMPED_INPUT_IN_PLACE(Op)                 \
+  void Op(std::vector<double>& values) const override { \
+    this->clamp(values);                                \
+    this->base()->Op(values);                           \
+  }
+#define KORA_CLAMPED_INPUT_BATCH(Op, Out)                                        \
+  void Op(const std::vector<double>& in, std::vector<Out>& out) const override { \
+    this->base()->Op(this->clamped(in), out);                                    \
+  }
+
 template <class Derived, class CheckerInterface>
 class BoundsChecker : public TransformatorDecorator<ICalibrationTransformator, CheckerInterface> {
   typedef TransformatorDecorator<ICalibrationTransformator, CheckerInterface> Base;

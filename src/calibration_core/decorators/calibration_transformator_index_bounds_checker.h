@@ -22,28 +22,21 @@ class CalibrationTransformatorIndexBoundsChecker final
     : public BoundsChecker<CalibrationTransformatorIndexBoundsChecker,
                            ICalibrationTransformatorIndexBoundsChecker> {
  public:
-  // Wraps a clone of `base`. REQUIRES: `base` is not empty.
-  CalibrationTransformatorIndexBoundsChecker(const ICalibrationTransformatorPtr& base, double lower,
-                                             double upper);
+  // (base, lower, upper): wraps a clone of `base`. REQUIRES: `base` is not
+  // empty.
+  using BoundsChecker::BoundsChecker;
 
   static const char* ClassName() { return "CalibrationTransformatorIndexBoundsChecker"; }
   static const char* BoundsLabel() { return "index bounds: ["; }
 
   // Results clamped.
-  void MassToDIndex(std::vector<double>& values) const override;
-  void MassToDIndex(const std::vector<double>& masses,
-                    std::vector<double>& dindexes) const override;
-  double MassToDIndex(double mass) const override;
-  void MassToIndex(const std::vector<double>& masses,
-                   std::vector<std::int32_t>& indexes) const override;
+  KORA_CLAMPED_RESULT(MassToDIndex);
+  KORA_CLAMPED_RESULT_BATCH(MassToIndex, double, std::int32_t);
   // The wrapped model's dindex, clamped, plus 0.5, truncated toward zero.
   std::int32_t MassToIndex(double mass) const override;
-  void RawToDIndex(std::vector<double>& values) const override;
-  void RawToDIndex(const std::vector<double>& raws, std::vector<double>& dindexes) const override;
-  double RawToDIndex(double raw) const override;
-  void RawToIndex(const std::vector<double>& raws,
-                  std::vector<std::int32_t>& indexes) const override;
-  std::int32_t RawToIndex(double raw) const override;
+  KORA_CLAMPED_RESULT(RawToDIndex);
+  KORA_CLAMPED_RESULT_BATCH(RawToIndex, double, std::int32_t);
+  KORA_CLAMPED_RESULT_SCALAR(RawToIndex, double, std::int32_t);
 
   // DIndexToRaw of the wrapped model at the index; the batch form forwards.
   double IndexToRaw(std::int32_t index) const override;

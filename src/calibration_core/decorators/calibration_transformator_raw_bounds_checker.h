@@ -23,33 +23,27 @@ class CalibrationTransformatorRawBoundsChecker final
     : public BoundsChecker<CalibrationTransformatorRawBoundsChecker,
                            ICalibrationTransformatorRawBoundsChecker> {
  public:
-  // Wraps a clone of `base`. REQUIRES: `base` is not empty.
-  CalibrationTransformatorRawBoundsChecker(const ICalibrationTransformatorPtr& base, double lower,
-                                           double upper);
+  // (base, lower, upper): wraps a clone of `base`. REQUIRES: `base` is not
+  // empty.
+  using BoundsChecker::BoundsChecker;
 
   static const char* ClassName() { return "CalibrationTransformatorRawBoundsChecker"; }
   static const char* BoundsLabel() { return "raw bounds: ["; }
 
   // Results clamped.
-  void MassToRaw(std::vector<double>& values) const override;
-  void MassToRaw(const std::vector<double>& masses, std::vector<double>& raws) const override;
-  double MassToRaw(double mass) const override;
-  void IndexToRaw(const std::vector<std::int32_t>& indexes,
-                  std::vector<double>& raws) const override;
-  double IndexToRaw(std::int32_t index) const override;
-  void DIndexToRaw(std::vector<double>& values) const override;
-  void DIndexToRaw(const std::vector<double>& dindexes, std::vector<double>& raws) const override;
-  double DIndexToRaw(double dindex) const override;
+  KORA_CLAMPED_RESULT(MassToRaw);
+  KORA_CLAMPED_RESULT_BATCH(IndexToRaw, std::int32_t, double);
+  KORA_CLAMPED_RESULT_SCALAR(IndexToRaw, std::int32_t, double);
+  KORA_CLAMPED_RESULT(DIndexToRaw);
 
   // Inputs clamped first. The in-place forms clamp the caller's vector; the
   // out-of-place forms clamp a copy and leave the caller's source alone.
-  void RawToMass(std::vector<double>& values) const override;
-  void RawToMass(const std::vector<double>& raws, std::vector<double>& masses) const override;
-  double RawToMass(double raw) const override;
-  void RawToIndex(const std::vector<double>& raws,
-                  std::vector<std::int32_t>& indexes) const override;
-  void RawToDIndex(std::vector<double>& values) const override;
-  void RawToDIndex(const std::vector<double>& raws, std::vector<double>& dindexes) const override;
+  KORA_CLAMPED_INPUT_IN_PLACE(RawToMass);
+  KORA_CLAMPED_INPUT_BATCH(RawToMass, double);
+  double RawToMass(double raw) const override { return base()->RawToMass(clamp(raw)); }
+  KORA_CLAMPED_INPUT_BATCH(RawToIndex, std::int32_t);
+  KORA_CLAMPED_INPUT_IN_PLACE(RawToDIndex);
+  KORA_CLAMPED_INPUT_BATCH(RawToDIndex, double);
   // The scalar forms of these two: forwarded, unclamped.
   using BoundsChecker::RawToDIndex;
   using BoundsChecker::RawToIndex;
