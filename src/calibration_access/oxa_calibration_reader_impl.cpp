@@ -13,6 +13,7 @@
 #include "reader/corrupt_data_error.h"  // header-only: the analysis data error class
 #include "sql/cppsqlite3.h"
 #include "sql/cppsqlite_tools.h"
+#include "sql/read_transaction.h"
 #include "sys/throw.h"
 
 namespace lumo {
@@ -40,6 +41,8 @@ OxaCalibrationReaderImpl::OxaCalibrationReaderImpl(std::shared_ptr<CppSQLite3DB>
 
 std::unique_ptr<lumo::calibration::kora::ITransformator> OxaCalibrationReaderImpl::getMobTrafo(
     int64_t frameId) const {
+  // Both queries in one read: one lock of the file instead of two.
+  const lumo::cppsqlite::ReadTransaction transaction(*database);
   int64_t calibrationId;
   try {
     calibrationId = lumo::cppsqlite::simpleCheckedQuery<int64_t>(

@@ -1,6 +1,9 @@
 // A thin layer over the SQLite C interface. Each class owns one raw SQLite
 // object and turns every non-success code into a CppSQLite3Exception; there is
-// no pooling, no transaction handling and no statement cache.
+// no pooling, and the only transactions are those of read_transaction.h. A
+// connection keeps the compiled statements of its finished queries and runs
+// a query whose text it has seen with the statement it kept
+// (statement_cache.h): the same SQL, without compiling it again.
 //
 // Error code 1000 ("CPPSQLITE_ERROR") is the layer's own, for misuse.
 //
@@ -10,11 +13,18 @@
 #define KORA_SQL_CPPSQLITE3_H_
 
 #include <cstdint>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
 struct sqlite3;
 struct sqlite3_stmt;
+
+namespace lumo {
+namespace cppsqlite {
+class StatementCache;
+}  // namespace cppsqlite
+}  // namespace lumo
 
 // The layer's own error code for misuse of the wrapper.
 constexpr int CPPSQLITE_ERROR = 1000;
@@ -39,11 +49,16 @@ class CppSQLite3Exception : public std::runtime_error {
 
 // A cursor over the rows of one statement, positioned on its first row (or at
 // eof) from the start. Movable, not copyable; a moved-from query has no
-// statement.
+// statement. A cursor that owns its statement ends it in finalize() or its
+// destructor: it finalises it, or, when it came from a connection's cache,
+// resets it and gives it back; either way the statement's lock is released.
 class CppSQLite3Query {
  public:
   CppSQLite3Query();
   CppSQLite3Query(sqlite3* db, sqlite3_stmt* vm, bool eof, bool ownVM = true);
+  // Owns `vm`, compiled from `sql`, and gives it back to `cache` at the end.
+  CppSQLite3Query(sqlite3* db, sqlite3_stmt* vm, bool eof,
+                  std::shared_ptr<lumo::cppsqlite::StatementCache> cache, std::string sql);
   CppSQLite3Query(CppSQLite3Query&& other) noexcept;
   CppSQLite3Query& operator=(CppSQLite3Query&& other);
   CppSQLite3Query(const CppSQLite3Query&) = delete;
@@ -79,6 +94,8 @@ class CppSQLite3Query {
   bool eof_;
   int cols_;
   bool ownVM_;
+  std::shared_ptr<lumo::cppsqlite::StatementCache> cache_;  // null: finalise
+  std::string sql_;                                         // the text of vm_ when cached
 };
 
 // A compiled statement with bindings; the cursors it yields do not own it.
@@ -141,6 +158,8 @@ class CppSQLite3DB {
 
   // Runs `sql`, returns sqlite3_changes.
   int execDML(const char* sql);
+  // Runs `sql` up to its first row, with the statement kept from an earlier
+  // query of the same text when there is one.
   CppSQLite3Query execQuery(const char* sql);
   CppSQLite3Query execQuery(const std::string& sql) { return execQuery(sql.c_str()); }
   CppSQLite3Statement compileStatement(const std::string& sql);
@@ -155,6 +174,9 @@ class CppSQLite3DB {
 
   sqlite3* db_;
   int busyTimeoutMs_;
+  // Made at open, closed before the connection; shared with the cursors that
+  // hold its statements, so that a cursor may outlive the connection.
+  std::shared_ptr<lumo::cppsqlite::StatementCache> statements_;
 };
 
 #endif  // KORA_SQL_CPPSQLITE3_H_

@@ -1,6 +1,9 @@
 #include <sqlite3.h>
 
+#include <utility>
+
 #include "sql/cppsqlite3.h"
+#include "sql/statement_cache.h"
 #include "sys/throw.h"
 
 CppSQLite3DB::CppSQLite3DB() : db_(nullptr), busyTimeoutMs_(60000) {}
@@ -21,13 +24,18 @@ void CppSQLite3DB::open(const std::string& path) {
     LUMO_THROW(CppSQLite3Exception(rc, message.c_str()));
   }
   sqlite3_busy_timeout(db_, busyTimeoutMs_);
+  statements_ = std::make_shared<lumo::cppsqlite::StatementCache>();
 }
 
 void CppSQLite3DB::close() {
   if (!db_) return;
+  statements_->close();
   if (sqlite3_close(db_) != SQLITE_OK) {
+    // A cursor still holds a statement: the connection stays open and usable.
+    statements_ = std::make_shared<lumo::cppsqlite::StatementCache>();
     LUMO_THROW(CppSQLite3Exception(CPPSQLITE_ERROR, "Unable to close database"));
   }
+  statements_.reset();
   db_ = nullptr;
 }
 
@@ -41,10 +49,11 @@ int CppSQLite3DB::execDML(const char* sql) {
 
 CppSQLite3Query CppSQLite3DB::execQuery(const char* sql) {
   checkDB();
-  sqlite3_stmt* vm = compile(sql);
+  lumo::cppsqlite::StatementCache::Entry entry = statements_->take(sql);
+  sqlite3_stmt* vm = entry.vm ? entry.vm : compile(sql);
   const int rc = sqlite3_step(vm);
-  if (rc == SQLITE_DONE) return CppSQLite3Query(db_, vm, true);
-  if (rc == SQLITE_ROW) return CppSQLite3Query(db_, vm, false);
+  if (rc == SQLITE_DONE || rc == SQLITE_ROW)
+    return CppSQLite3Query(db_, vm, rc == SQLITE_DONE, statements_, std::move(entry.sql));
   const int finalizeRc = sqlite3_finalize(vm);
   LUMO_THROW(CppSQLite3Exception(finalizeRc, sqlite3_errmsg(db_)));
 }

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "sql/cppsqlite3.h"
+#include "sql/statement_cache.h"
 #include "sys/throw.h"
 
 CppSQLite3Query::CppSQLite3Query()
@@ -11,8 +12,25 @@ CppSQLite3Query::CppSQLite3Query()
 CppSQLite3Query::CppSQLite3Query(sqlite3* db, sqlite3_stmt* vm, bool eof, bool ownVM)
     : db_(db), vm_(vm), eof_(eof), cols_(sqlite3_column_count(vm)), ownVM_(ownVM) {}
 
+CppSQLite3Query::CppSQLite3Query(sqlite3* db, sqlite3_stmt* vm, bool eof,
+                                 std::shared_ptr<lumo::cppsqlite::StatementCache> cache,
+                                 std::string sql)
+    : db_(db),
+      vm_(vm),
+      eof_(eof),
+      cols_(sqlite3_column_count(vm)),
+      ownVM_(true),
+      cache_(std::move(cache)),
+      sql_(std::move(sql)) {}
+
 CppSQLite3Query::CppSQLite3Query(CppSQLite3Query&& other) noexcept
-    : db_(other.db_), vm_(other.vm_), eof_(other.eof_), cols_(other.cols_), ownVM_(other.ownVM_) {
+    : db_(other.db_),
+      vm_(other.vm_),
+      eof_(other.eof_),
+      cols_(other.cols_),
+      ownVM_(other.ownVM_),
+      cache_(std::move(other.cache_)),
+      sql_(std::move(other.sql_)) {
   other.vm_ = nullptr;
 }
 
@@ -24,6 +42,8 @@ CppSQLite3Query& CppSQLite3Query::operator=(CppSQLite3Query&& other) {
     eof_ = other.eof_;
     cols_ = other.cols_;
     ownVM_ = other.ownVM_;
+    cache_ = std::move(other.cache_);
+    sql_ = std::move(other.sql_);
   }
   return *this;
 }
@@ -53,8 +73,10 @@ void CppSQLite3Query::nextRow() {
   } else if (rc != SQLITE_ROW) {
     // A statement owned by a CppSQLite3Statement is only reset; it finalises
     // its statement itself.
+    // A failed statement is not given back to a cache.
     const int code = ownVM_ ? sqlite3_finalize(vm_) : sqlite3_reset(vm_);
     vm_ = nullptr;
+    cache_.reset();
     LUMO_THROW(CppSQLite3Exception(code, sqlite3_errmsg(db_)));
   }
 }
@@ -89,8 +111,9 @@ const char* CppSQLite3Query::getStringField(int i, const char* nullValue) const 
 
 void CppSQLite3Query::finalize() {
   if (vm_ && ownVM_) {
-    const int rc = sqlite3_finalize(vm_);
-    vm_ = nullptr;
+    sqlite3_stmt* vm = std::exchange(vm_, nullptr);
+    const int rc = cache_ ? cache_->giveBack({std::move(sql_), vm}) : sqlite3_finalize(vm);
+    cache_.reset();
     if (rc != SQLITE_OK) LUMO_THROW(CppSQLite3Exception(rc, sqlite3_errmsg(db_)));
   }
 }
