@@ -85,12 +85,15 @@ fuzz:
 		-DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ >/dev/null
 	@cmake --build build-fuzz -j $(JOBS)
 
-# Every fuzz target for FUZZ_SECONDS (default 10 minutes each):
-# make fuzz-run FUZZ_SECONDS=60
+# Every fuzz target (or those of FUZZ_TARGETS) for FUZZ_SECONDS (default 10
+# minutes each), FUZZ_JOBS at a time; prints a table of executions and crashes:
+# make fuzz-run FUZZ_SECONDS=60 FUZZ_JOBS=2
 FUZZ_SECONDS ?= 600
+FUZZ_JOBS ?= 1
+FUZZ_TARGETS ?=
 .PHONY: fuzz-run
 fuzz-run: fuzz
-	@bash fuzz/run_fuzzers.sh build-fuzz $(FUZZ_SECONDS)
+	@FUZZ_JOBS=$(FUZZ_JOBS) bash fuzz/run_fuzzers.sh build-fuzz $(FUZZ_SECONDS) $(FUZZ_TARGETS)
 
 clean:
 	rm -rf build build-bench build-asan build-tsan build-clang build-fuzz

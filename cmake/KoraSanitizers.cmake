@@ -6,6 +6,8 @@
 #  - With undefined, float-cast-overflow is added where the compiler knows it:
 #    GCC leaves it out of undefined, and a double converted to an integer type
 #    it does not fit is undefined behaviour.
+#  - With undefined and Clang, testing/sanitizer_ignorelist.txt names the
+#    functions left unchecked.
 # KORA_BUILD_FUZZERS: everything is compiled with libFuzzer's coverage
 # (-fsanitize=fuzzer-no-link), so the fuzz targets are guided by the library's
 # own branches; kora_fuzzer links the driver.
@@ -26,7 +28,17 @@ if(KORA_SANITIZE)
   endif()
   add_compile_options(-fsanitize=${_kora_sanitizers} -fno-sanitize-recover=all
                       -fno-omit-frame-pointer)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND _kora_sanitizers MATCHES "(^|,)undefined(,|$)")
+    add_compile_options(
+      "$<$<COMPILE_LANGUAGE:CXX>:-fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/testing/sanitizer_ignorelist.txt>")
+  endif()
   add_link_options(-fsanitize=${_kora_sanitizers} -fno-sanitize-recover=all)
+  # Clang links the C++ part of a sanitizer runtime (vptr checks, operator
+  # new and delete) only into C++ programs; a C program on the library needs
+  # it too.
+  if(CMAKE_C_COMPILER_ID STREQUAL "Clang")
+    add_link_options("$<$<LINK_LANGUAGE:C>:-fsanitize-link-c++-runtime;-lstdc++>")
+  endif()
 endif()
 
 if(KORA_BUILD_FUZZERS)
