@@ -23,11 +23,7 @@ class CalibrationTransformatorHalyardLinear final
     : public Transformator<CalibrationTransformatorHalyardLinear, RMInverse<RMLinear<NoSquareRoot>>,
                            RILinear, ConstantsSettingNoAction>,
       public detail::FixedFunctionalDegree<1> {
- public:
-  // Throws std::invalid_argument for constants of a wrong kind.
-  using Transformator::Transformator;
-
-  static const char* ClassName() { return "CalibrationTransformatorHalyardLinear"; }
+  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorHalyardLinear, Transformator);
 };
 
 class CalibrationTransformatorHalyardQuadratic final
@@ -35,11 +31,7 @@ class CalibrationTransformatorHalyardQuadratic final
                            RMInverse<RMQuadratic<NoSquareRoot>>, RILinear,
                            ConstantsSettingNoAction>,
       public detail::FixedFunctionalDegree<2> {
- public:
-  // Throws std::invalid_argument for constants of a wrong kind.
-  using Transformator::Transformator;
-
-  static const char* ClassName() { return "CalibrationTransformatorHalyardQuadratic"; }
+  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorHalyardQuadratic, Transformator);
 };
 
 }  // namespace Transformation

@@ -19,11 +19,7 @@ class CalibrationTransformatorLinear final
     : public Transformator<CalibrationTransformatorLinear, RMInverse<RMLinear<NoSquareRoot>>,
                            RILinear, ConstantsSettingNoAction>,
       public detail::FixedFunctionalDegree<1> {
- public:
-  // Throws std::invalid_argument for constants of a wrong kind.
-  using Transformator::Transformator;
-
-  static const char* ClassName() { return "CalibrationTransformatorLinear"; }
+  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorLinear, Transformator);
 };
 
 }  // namespace Transformation

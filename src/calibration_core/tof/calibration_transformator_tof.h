@@ -25,10 +25,7 @@ class CalibrationTransformatorTOFLinear final
                         ConstantsSettingNoAction>,
           1>,
       public detail::FixedFunctionalDegree<1> {
- public:
-  // Throws std::invalid_argument for constants of a wrong kind.
-  using ClosedSquareRootLaw::ClosedSquareRootLaw;
-  static const char* ClassName() { return "CalibrationTransformatorTOFLinear"; }
+  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOFLinear, ClosedSquareRootLaw);
 };
 
 class CalibrationTransformatorTOFQuadratic final
@@ -37,9 +34,7 @@ class CalibrationTransformatorTOFQuadratic final
                         ConstantsSettingNoAction>,
           2>,
       public detail::FixedFunctionalDegree<2> {
- public:
-  using ClosedSquareRootLaw::ClosedSquareRootLaw;
-  static const char* ClassName() { return "CalibrationTransformatorTOFQuadratic"; }
+  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOFQuadratic, ClosedSquareRootLaw);
 };
 
 }  // namespace Transformation

@@ -29,10 +29,7 @@ class CalibrationTransformatorTOF2Linear final
                         ConstantsSettingNoAction>,
           1>,
       public detail::FixedFunctionalDegree<1> {
- public:
-  // Throws std::invalid_argument for constants of a wrong kind.
-  using ClosedSquareRootLaw::ClosedSquareRootLaw;
-  static const char* ClassName() { return "CalibrationTransformatorTOF2Linear"; }
+  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOF2Linear, ClosedSquareRootLaw);
 };
 
 class CalibrationTransformatorTOF2Quadratic final
@@ -41,9 +38,7 @@ class CalibrationTransformatorTOF2Quadratic final
                         RILinear, ConstantsSettingNoAction>,
           2>,
       public detail::FixedFunctionalDegree<2> {
- public:
-  using ClosedSquareRootLaw::ClosedSquareRootLaw;
-  static const char* ClassName() { return "CalibrationTransformatorTOF2Quadratic"; }
+  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOF2Quadratic, ClosedSquareRootLaw);
 };
 
 }  // namespace Transformation

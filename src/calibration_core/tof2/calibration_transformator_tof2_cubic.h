@@ -27,11 +27,7 @@ class CalibrationTransformatorTOF2Cubic final
     : public Transformator<CalibrationTransformatorTOF2Cubic, RMShift<RMCubic<SquareRoot>>,
                            RILinear, ConstantsSettingNoAction>,
       public detail::FixedFunctionalDegree<3> {
- public:
-  // Throws std::invalid_argument for constants of a wrong kind.
-  using Transformator::Transformator;
-
-  static const char* ClassName() { return "CalibrationTransformatorTOF2Cubic"; }
+  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOF2Cubic, Transformator);
 
   // The rising range of the cubic in w around sqrt(m0 + dm), as masses.
   // Throws std::runtime_error for m0 + dm < 0.

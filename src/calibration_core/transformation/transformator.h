@@ -76,6 +76,14 @@ struct IsConstantsSettingPolicy<P, std::void_t<decltype(std::declval<const P&>()
 
 }  // namespace detail
 
+// Opens the public part of a model class `Name` derived from `Base`: the
+// constructors of Base (they throw std::invalid_argument for constants of a
+// wrong kind) and ClassName(), the name of the dump.
+#define KORA_MODEL_NAME_AND_CONSTRUCTORS(Name, Base) \
+ public:                                             \
+  using Base::Base;                                  \
+  static const char* ClassName() { return #Name; }
+
 // The version tag of the stored form of the template's models.
 extern const char* const kTransformatorSerializationVersion;
 
