@@ -45,6 +45,20 @@ ICalibrationTransformatorPtr make(const ICalibrationConstantsFunctionalPtr& func
   return boost::make_shared<Model>(functional, physical);
 }
 
+typedef ICalibrationTransformatorPtr (*Maker)(const ICalibrationConstantsFunctionalPtr&,
+                                              const ICalibrationConstantsPhysicalPtr&);
+
+// The model that choose(family constants) names, made of both constants;
+// the failure of familyOf for constants of another family.
+template <class F, class Choose>
+ICalibrationTransformatorPtr makeChosen(const ICalibrationConstantsFunctionalPtr& functional,
+                                        const ICalibrationConstantsPhysicalPtr& physical,
+                                        const char* operation, const char* family,
+                                        const Choose& choose) {
+  const Maker maker = choose(*familyOf<F>(functional, operation, family));
+  return maker(functional, physical);
+}
+
 // `physical` as P; throws std::invalid_argument ("types differ") otherwise.
 template <class P>
 boost::shared_ptr<P> physicalOf(const ICalibrationConstantsPhysicalPtr& physical) {
@@ -93,37 +107,41 @@ class CalibrationTransformatorFactory final : public ICalibrationTransformatorFa
   ICalibrationTransformatorPtr createTransformatorTof(
       const ICalibrationConstantsFunctionalPtr& functional,
       const ICalibrationConstantsPhysicalTOFPtr& physical) const override {
-    const ICalibrationConstantsFunctionalTOF1Ptr tof1 =
-        familyOf<ICalibrationConstantsFunctionalTOF1>(functional, "createTransformatorTof",
-                                                      "ICalibrationConstantsFunctionalTOF1");
-    if (tof1->GetC2() == 0.0) return make<CalibrationTransformatorTOFLinear>(functional, physical);
-    return make<CalibrationTransformatorTOFQuadratic>(functional, physical);
+    return makeChosen<FunctionalTOF1>(functional, physical, "createTransformatorTof",
+                                      "ICalibrationConstantsFunctionalTOF1",
+                                      [](const FunctionalTOF1& tof1) -> Maker {
+                                        if (tof1.GetC2() == 0.0)
+                                          return make<CalibrationTransformatorTOFLinear>;
+                                        return make<CalibrationTransformatorTOFQuadratic>;
+                                      });
   }
 
   ICalibrationTransformatorPtr createTransformatorTof2(
       const ICalibrationConstantsFunctionalPtr& functional,
       const ICalibrationConstantsPhysicalTOFPtr& physical) const override {
-    const ICalibrationConstantsFunctionalTOF2Ptr tof2 =
-        familyOf<ICalibrationConstantsFunctionalTOF2>(functional, "createTransformatorTof2",
-                                                      "ICalibrationConstantsFunctionalTOF2");
-    if (tof2->GetDm() != 0.0 || tof2->GetC3() != 0.0) {
-      return make<CalibrationTransformatorTOF2Cubic>(functional, physical);
-    }
-    if (tof2->GetC2() != 0.0)
-      return make<CalibrationTransformatorTOF2Quadratic>(functional, physical);
-    return make<CalibrationTransformatorTOF2Linear>(functional, physical);
+    return makeChosen<FunctionalTOF2>(functional, physical, "createTransformatorTof2",
+                                      "ICalibrationConstantsFunctionalTOF2",
+                                      [](const FunctionalTOF2& tof2) -> Maker {
+                                        if (tof2.GetDm() != 0.0 || tof2.GetC3() != 0.0) {
+                                          return make<CalibrationTransformatorTOF2Cubic>;
+                                        }
+                                        if (tof2.GetC2() != 0.0)
+                                          return make<CalibrationTransformatorTOF2Quadratic>;
+                                        return make<CalibrationTransformatorTOF2Linear>;
+                                      });
   }
 
   ICalibrationTransformatorPtr createTransformatorTrap(
       const ICalibrationConstantsFunctionalPtr& functional,
       const ICalibrationConstantsPhysicalHalyardPtr& physical) const override {
-    const ICalibrationConstantsFunctionalHalyardPtr halyard =
-        familyOf<ICalibrationConstantsFunctionalHalyard>(functional, "createTransformatorTrap",
-                                                         "ICalibrationConstantsFunctionalHalyard");
-    if (halyard->GetA1() * 1e-9 >= std::fabs(halyard->GetC2())) {
-      return make<CalibrationTransformatorHalyardLinear>(functional, physical);
-    }
-    return make<CalibrationTransformatorHalyardQuadratic>(functional, physical);
+    return makeChosen<FunctionalHalyard>(
+        functional, physical, "createTransformatorTrap", "ICalibrationConstantsFunctionalHalyard",
+        [](const FunctionalHalyard& halyard) -> Maker {
+          if (halyard.GetA1() * 1e-9 >= std::fabs(halyard.GetC2())) {
+            return make<CalibrationTransformatorHalyardLinear>;
+          }
+          return make<CalibrationTransformatorHalyardQuadratic>;
+        });
   }
 
   ICalibrationTransformatorPtr createTransformatorIcr(
@@ -163,9 +181,9 @@ class CalibrationTransformatorFactory final : public ICalibrationTransformatorFa
   ICalibrationTransformatorPtr createTransformatorLinear(
       const ICalibrationConstantsFunctionalPtr& functional,
       const ICalibrationConstantsPhysicalLinearPtr& physical) const override {
-    familyOf<ICalibrationConstantsFunctionalLinear>(functional, "createTransformatorLinear",
-                                                    "ICalibrationConstantsFunctionalLinear");
-    return make<CalibrationTransformatorLinear>(functional, physical);
+    return makeChosen<FunctionalLinear>(
+        functional, physical, "createTransformatorLinear", "ICalibrationConstantsFunctionalLinear",
+        [](const FunctionalLinear&) -> Maker { return make<CalibrationTransformatorLinear>; });
   }
 
   ICalibrationTransformatorPtr createTransformatorVega(
