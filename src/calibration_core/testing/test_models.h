@@ -7,6 +7,7 @@
 
 #include <boost/make_shared.hpp>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,8 @@ namespace testing {
 const char* const kComplex =
     "complex valued solution in computation due to invalid calibration constants/value range";
 const char* const kFailed = "Transformation failed, most likely due to bad calibration constants.";
+
+const double kInf = std::numeric_limits<double>::infinity();
 
 typedef std::vector<double> Doubles;
 typedef std::vector<std::int32_t> Ints;

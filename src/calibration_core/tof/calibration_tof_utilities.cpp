@@ -10,26 +10,17 @@ namespace calibration {
 
 namespace {
 
-ICalibrationConstantsFunctionalTOF1Ptr tof1Of(const ICalibrationTransformatorPtr& transformer,
-                                              const char* failureText) {
-  ICalibrationConstantsFunctionalTOF1Ptr tof1;
+// The functional constants of `transformer` as the family F; throws
+// std::invalid_argument(failureText) for none or another family.
+template <class F>
+boost::shared_ptr<F> familyOf(const ICalibrationTransformatorPtr& transformer,
+                              const char* failureText) {
+  boost::shared_ptr<F> constants;
   if (transformer) {
-    tof1 = boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalTOF1>(
-        transformer->GetFunctionalConstants());
+    constants = boost::dynamic_pointer_cast<F>(transformer->GetFunctionalConstants());
   }
-  if (!tof1) LUMO_THROW(std::invalid_argument(failureText));
-  return tof1;
-}
-
-ICalibrationConstantsFunctionalTOF2Ptr tof2Of(const ICalibrationTransformatorPtr& transformer,
-                                              const char* failureText) {
-  ICalibrationConstantsFunctionalTOF2Ptr tof2;
-  if (transformer) {
-    tof2 = boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalTOF2>(
-        transformer->GetFunctionalConstants());
-  }
-  if (!tof2) LUMO_THROW(std::invalid_argument(failureText));
-  return tof2;
+  if (!constants) LUMO_THROW(std::invalid_argument(failureText));
+  return constants;
 }
 
 }  // namespace
@@ -40,7 +31,7 @@ double CalibrationTOFUtilities::ConvertA1ToC1(double a1) const { return 1e12 / a
 
 void CalibrationTOFUtilities::GetMainCalibConstants(ICalibrationTransformatorPtr transformer,
                                                     double& c0, double& c1, double& c2) const {
-  ICalibrationConstantsFunctionalTOF1Ptr tof1 = tof1Of(
+  ICalibrationConstantsFunctionalTOF1Ptr tof1 = familyOf<ICalibrationConstantsFunctionalTOF1>(
       transformer,
       "lumo::calibration::CalibrationTOFUtilities::GetMainCalibConstants( "
       "\t\t\t\t\tICalibrationTransformatorPtr transformer, double & c0, double & c1, double "
@@ -53,7 +44,7 @@ void CalibrationTOFUtilities::GetMainCalibConstants(ICalibrationTransformatorPtr
 void CalibrationTOFUtilities::GetMainCalibConstants(ICalibrationTransformatorPtr transformer,
                                                     double& c0, double& c1, double& c2, double& c3,
                                                     double& dm) const {
-  ICalibrationConstantsFunctionalTOF2Ptr tof2 = tof2Of(
+  ICalibrationConstantsFunctionalTOF2Ptr tof2 = familyOf<ICalibrationConstantsFunctionalTOF2>(
       transformer,
       "lumo::calibration::CalibrationTOFUtilities::GetMainCalibConstants( "
       "\t\t\t\t\tICalibrationTransformatorPtr transformer, double & c0, double & c1, double & c2, "
@@ -68,11 +59,11 @@ void CalibrationTOFUtilities::GetMainCalibConstants(ICalibrationTransformatorPtr
 
 void CalibrationTOFUtilities::SetMainCalibConstants(ICalibrationTransformatorPtr transformer,
                                                     double c0, double c1, double c2) const {
-  ICalibrationConstantsFunctionalTOF1Ptr tof1 =
-      tof1Of(transformer,
-             "lumo::calibration::CalibrationTOFUtilities::SetMainCalibConstants("
-             "ICalibrationTransformatorPtr transformer, double c0, double c1, double c2)\n: "
-             "calibration transformer not of type ICalibrationConstantsFunctionalTOF1Ptr.");
+  ICalibrationConstantsFunctionalTOF1Ptr tof1 = familyOf<ICalibrationConstantsFunctionalTOF1>(
+      transformer,
+      "lumo::calibration::CalibrationTOFUtilities::SetMainCalibConstants("
+      "ICalibrationTransformatorPtr transformer, double c0, double c1, double c2)\n: "
+      "calibration transformer not of type ICalibrationConstantsFunctionalTOF1Ptr.");
   tof1->SetC0(c0);
   tof1->SetC1(c1);
   tof1->SetC2(c2);
@@ -82,12 +73,12 @@ void CalibrationTOFUtilities::SetMainCalibConstants(ICalibrationTransformatorPtr
 void CalibrationTOFUtilities::SetMainCalibConstants(ICalibrationTransformatorPtr transformer,
                                                     double c0, double c1, double c2, double c3,
                                                     double dm) const {
-  ICalibrationConstantsFunctionalTOF2Ptr tof2 =
-      tof2Of(transformer,
-             "lumo::calibration::CalibrationTOFUtilities::SetMainCalibConstants("
-             "ICalibrationTransformatorPtr transformer, double c0, double c1, double c2, double "
-             "c3, double dm)\n: calibration transformer not of type "
-             "ICalibrationConstantsFunctionalTOF2Ptr.");
+  ICalibrationConstantsFunctionalTOF2Ptr tof2 = familyOf<ICalibrationConstantsFunctionalTOF2>(
+      transformer,
+      "lumo::calibration::CalibrationTOFUtilities::SetMainCalibConstants("
+      "ICalibrationTransformatorPtr transformer, double c0, double c1, double c2, double "
+      "c3, double dm)\n: calibration transformer not of type "
+      "ICalibrationConstantsFunctionalTOF2Ptr.");
   tof2->SetC0(c0);
   tof2->SetC1(c1);
   tof2->SetC2(c2);

@@ -16,8 +16,6 @@ namespace {
 
 using namespace testing;
 
-const double kInf = std::numeric_limits<double>::infinity();
-
 // t = 2000 + 1000 sqrt(m) (+ c2 m); the digitizer puts t = 2000 at index 2000.
 template <class Model>
 boost::shared_ptr<Model> tofModel(double c2 = 0.0) {

@@ -15,8 +15,6 @@ namespace {
 
 using namespace testing;
 
-const double kInf = std::numeric_limits<double>::infinity();
-
 // t = 2000 + 1000 w (+ c2 w^2), w = sqrt(m + 0.5).
 template <class Model>
 boost::shared_ptr<Model> tof2Model(double c2 = 0.0) {
