@@ -206,10 +206,6 @@ double CalibrationTransformatorZRK::SearchPreciseMass(double mass) const {
 void CalibrationTransformatorZRK::PreciseMassesToMassesBlock(const double* in, double* out,
                                                              std::ptrdiff_t count,
                                                              detail::CorrectionScratch& s) const {
-  if (!Corrects()) {
-    std::copy(in, in + count, out);
-    return;
-  }
   s.masses.assign(in, in + count);
   f(s.masses, s.check);
   std::copy(s.check.begin(), s.check.end(), out);
@@ -218,10 +214,6 @@ void CalibrationTransformatorZRK::PreciseMassesToMassesBlock(const double* in, d
 void CalibrationTransformatorZRK::MassesToPreciseMassesBlock(const double* in, double* out,
                                                              std::ptrdiff_t count,
                                                              detail::CorrectionScratch& s) const {
-  if (!Corrects()) {
-    std::copy(in, in + count, out);
-    return;
-  }
   s.masses.assign(in, in + count);
   // First f of the masses, then, in place, their first-order inverses.
   f(s.masses, s.firstOrder);
@@ -251,6 +243,10 @@ auto CalibrationTransformatorZRK::CorrectionStep(Block block) const {
 void CalibrationTransformatorZRK::RunBatch(Block block, const std::vector<double>& in,
                                            std::vector<double>& out,
                                            const char* failureText) const {
+  if (!Corrects()) {
+    if (&in != &out) out = in;
+    return;
+  }
   out.resize(in.size());
   const std::ptrdiff_t n = static_cast<std::ptrdiff_t>(in.size());
   const double* source = in.data();
@@ -300,20 +296,12 @@ void CalibrationTransformatorZRK::CorrectionThenBase(const std::vector<double>& 
       });
 }
 
-void CalibrationTransformatorZRK::PreciseMassesToMasses(std::vector<double>& values) const {
-  RunBatch(&CalibrationTransformatorZRK::PreciseMassesToMassesBlock, values, values,
-           detail::kBatchFailedText);
-}
-
+// In place (one vector on both sides) the failure text is that of the
+// in-place form.
 void CalibrationTransformatorZRK::PreciseMassesToMasses(const std::vector<double>& preciseMasses,
                                                         std::vector<double>& masses) const {
   RunBatch(&CalibrationTransformatorZRK::PreciseMassesToMassesBlock, preciseMasses, masses,
-           detail::kPreciseBatchFailedText);
-}
-
-void CalibrationTransformatorZRK::MassesToPreciseMasses(std::vector<double>& values) const {
-  RunBatch(&CalibrationTransformatorZRK::MassesToPreciseMassesBlock, values, values,
-           detail::kBatchFailedText);
+           &preciseMasses == &masses ? detail::kBatchFailedText : detail::kPreciseBatchFailedText);
 }
 
 void CalibrationTransformatorZRK::MassesToPreciseMasses(const std::vector<double>& masses,

@@ -117,10 +117,14 @@ class CalibrationTransformatorZRK final
     return PreciseMassToMassImpl(preciseMass);
   }
   double MassToPreciseMass(double mass) const override { return MassToPreciseMassImpl(mass); }
-  void PreciseMassesToMasses(std::vector<double>& values) const override;
+  void PreciseMassesToMasses(std::vector<double>& values) const override {
+    PreciseMassesToMasses(values, values);
+  }
   void PreciseMassesToMasses(const std::vector<double>& preciseMasses,
                              std::vector<double>& masses) const override;
-  void MassesToPreciseMasses(std::vector<double>& values) const override;
+  void MassesToPreciseMasses(std::vector<double>& values) const override {
+    MassesToPreciseMasses(values, values);
+  }
   void MassesToPreciseMasses(const std::vector<double>& masses,
                              std::vector<double>& preciseMasses) const override;
 
@@ -166,7 +170,7 @@ class CalibrationTransformatorZRK final
   double SearchPreciseMass(double mass) const;
   // out[k] = PreciseMassToMass(in[k]) or MassToPreciseMass(in[k]) for k from
   // 0 up to count, in order, through the work arrays of `scratch`. `in` and
-  // `out` may be the same array.
+  // `out` may be the same array. REQUIRES: Corrects().
   void PreciseMassesToMassesBlock(const double* in, double* out, std::ptrdiff_t count,
                                   detail::CorrectionScratch& scratch) const;
   void MassesToPreciseMassesBlock(const double* in, double* out, std::ptrdiff_t count,
