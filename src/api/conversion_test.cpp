@@ -6,6 +6,8 @@
 #include <array>
 #include <cmath>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "api/conversion_test_support.h"
@@ -171,6 +173,30 @@ TEST_F(SampleConversions, InPlaceGivesTheSameResultsAsSeparateBuffers) {
     ASSERT_EQ(1u, c.function(a.handle(), 2, inPlace.data(), inPlace.data(), 150)) << c.name;
     EXPECT_EQ(separate, inPlace) << c.name;
   }
+}
+
+// Long batches are copied in and out on the conversion's threads; short ones
+// between them keep scratch of their own.
+TEST_F(SampleConversions, LongBatchesGiveTheValuesOfSingleConversionsOnAnyThreadCount) {
+  OpenAnalysis a(dir.str(), 0);
+  std::vector<double> indices;
+  for (int i = 0; i < 100003; ++i) indices.push_back(3.25 * i);
+  const std::vector<double> masses = a.convert(kora_index_to_mz, 2, indices);
+  EXPECT_TRUE(closeTo(masses[50000], tofOf(2).mz(indices[50000])));
+  for (const uint32_t threads : {1u, 2u, 3u}) {
+    kora_set_num_threads(threads);
+    for (const auto& [f, in] :
+         {std::make_pair(kora_index_to_mz, indices), std::make_pair(kora_mz_to_index, masses)}) {
+      const std::vector<double> separate = a.convert(f, 2, in);
+      for (const size_t i : {size_t{0}, size_t{77777}, in.size() - 1})
+        EXPECT_EQ(separate[i], a.convert(f, 2, in[i])) << i << " on " << threads << " threads";
+      std::vector<double> inPlace = in;
+      ASSERT_EQ(1u, f(a.handle(), 2, inPlace.data(), inPlace.data(),
+                      static_cast<uint32_t>(inPlace.size())));
+      EXPECT_EQ(separate, inPlace) << threads << " threads";
+    }
+  }
+  kora_set_num_threads(std::thread::hardware_concurrency());  // OpenMP's default
 }
 
 // One analysis with a frame for each way a conversion fails.

@@ -43,6 +43,28 @@ const char* const kLoggerName = "lumo.io.koradata_dll";
 // One text per thread, created by the thread's first failure, never cleared.
 boost::thread_specific_ptr<std::string> last_error;
 
+// Below this many values a batch is copied on the calling thread alone.
+constexpr uint32_t kParallelCopyThreshold = 1 << 16;
+
+// to[0..n) = from[0..n), bit for bit. A long batch is copied in one block per
+// OpenMP thread (the number kora_set_num_threads sets), as the mass
+// conversion between the two copies runs on them too: a serial copy of a
+// long batch would cost about as much as the conversion itself.
+// REQUIRES: the ranges do not overlap.
+void copyValues(const double* from, double* to, uint32_t n) {
+  if (n < kParallelCopyThreshold || omp_in_parallel()) {
+    std::memcpy(to, from, n * sizeof(double));
+    return;
+  }
+  const int blocks = omp_get_max_threads();
+#pragma omp parallel for schedule(static)
+  for (int b = 0; b < blocks; ++b) {
+    const size_t begin = static_cast<size_t>(n) * b / blocks;
+    const size_t end = static_cast<size_t>(n) * (b + 1) / blocks;
+    std::memcpy(to + begin, from + begin, (end - begin) * sizeof(double));
+  }
+}
+
 // What a conversion export asks of a frame's transformator: one batch of the
 // mass transformator, or one value of the mobility transformator.
 using MzOperation = void (ICalibrationTransformator::*)(const std::vector<double>&,
@@ -89,11 +111,17 @@ class Instance : boost::noncopyable {
   lumo::io::kora::OxaReader reader;
 
  private:
-  // Scratch of mzConversionFunc: the batch and its results, kept with their
-  // capacity over calls, so that a large batch is not paged in afresh each
+  // Scratch of mzConversionFunc: a batch and its results, kept with their
+  // capacity over calls, so that a long batch is not paged in afresh each
   // time. Freed with the instance.
-  std::vector<double> mzValues;
-  std::vector<double> mzResults;
+  struct MzScratch {
+    std::vector<double> values;
+    std::vector<double> results;
+  };
+  // Short batches have their own pair: a vector that shrank to one value
+  // would be zero-filled again, serially, when it grows back to a long batch.
+  MzScratch shortBatches;
+  MzScratch longBatches;
 };
 
 void Instance::mzConversionFunc(int64_t frame_id, const double* in, double* out, uint32_t cnt,
@@ -101,10 +129,12 @@ void Instance::mzConversionFunc(int64_t frame_id, const double* in, double* out,
   if (cnt == 0) return;
   const boost::shared_ptr<ICalibrationTransformator> trafo = reader.getMzTrafo(frame_id, true);
   if (!trafo) LUMO_THROW(std::runtime_error("No m/z trafo available."));
-  mzValues.assign(in, in + cnt);
-  ((*trafo).*op)(mzValues, mzResults);
-  assert(mzResults.size() == cnt);
-  std::memcpy(out, mzResults.data(), cnt * sizeof(double));
+  MzScratch& scratch = cnt < kParallelCopyThreshold ? shortBatches : longBatches;
+  scratch.values.resize(cnt);
+  copyValues(in, scratch.values.data(), cnt);
+  ((*trafo).*op)(scratch.values, scratch.results);
+  assert(scratch.results.size() == cnt);
+  copyValues(scratch.results.data(), out, cnt);
 }
 
 void Instance::mobConversionFunc(int64_t frame_id, const double* in, double* out, uint32_t cnt,
