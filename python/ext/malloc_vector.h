@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <type_traits>
@@ -86,7 +87,14 @@ class MallocVector {
   void grow(size_t n) {
     const size_t bytes = n * sizeof(T);
     void* p = data_;
-    if (!p && bytes >= kMinCachedBytes) p = takeBlock(bytes);
+    // A vector growing large takes a cached block (its pages already mapped)
+    // instead of growing its small one into fresh pages.
+    if (bytes >= kMinCachedBytes && (!p || malloc_usable_size(p) < kMinCachedBytes)) {
+      if (void* cached = takeBlock(bytes)) {
+        if (p) std::memcpy(cached, p, size_ * sizeof(T));
+        releaseBlock(std::exchange(p, cached));
+      }
+    }
     if (!p || malloc_usable_size(p) < bytes) p = std::realloc(p, bytes);
     if (!p) throw std::bad_alloc();
     data_ = static_cast<T*>(p);
