@@ -95,14 +95,14 @@ def test_query_usage_errors(sample, kwargs, text):
 def test_damaged_frame_raises_its_library_text(damaged):
     text = c_error(damaged, DAMAGED_FRAME, 0, 40)
     with koradata.Analysis(damaged) as analysis:
-        for threads in (1, 2):
+        for threads in (1, 2, 4):
             with pytest.raises(koradata.Error) as e:
                 analysis.query(threads=threads)
             assert str(e.value) == text
             assert e.value.frame == DAMAGED_FRAME
 
 
-@pytest.mark.parametrize("threads", [1, 2])
+@pytest.mark.parametrize("threads", [1, 2, 4])
 def test_skipped_damaged_frame_leaves_the_others_intact(damaged, threads):
     text = c_error(damaged, DAMAGED_FRAME, 0, 40)
     good = [f for f in range(1, 6) if f != DAMAGED_FRAME]

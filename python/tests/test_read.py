@@ -6,7 +6,8 @@ import pandas.testing as pdt
 import pytest
 
 import koradata
-from reference import CReader
+from conftest import write_sample
+from reference import CReader, has_conversions
 
 
 @pytest.fixture(scope="module")
@@ -104,3 +105,27 @@ def test_progress_bar_counts_every_frame(sample, capsys):
     with koradata.Analysis(sample) as analysis:
         analysis.query(columns=("tof",), progress=True, threads=1)
     assert "3/3" in capsys.readouterr().err
+
+
+@pytest.fixture(scope="module", params=[1, 2], ids=["lzf", "zstd"])
+def longer(request, tmp_path_factory):
+    """A sample of 14 frames: each reader of a query gets several."""
+    return write_sample(tmp_path_factory.mktemp("longer"), request.param, frames=14, seed=9)
+
+
+def test_many_frames_give_one_table_for_any_thread_count(longer):
+    columns = ["frame", "scan", "tof", "intensity"]
+    if has_conversions():
+        columns += ["mz", "inv_ion_mobility"]
+    with koradata.Analysis(longer) as analysis:
+        ids = [14, 1] + list(range(2, 14))
+        one = analysis.query(frames=ids, columns=columns, threads=1)
+        for threads in (2, 3, 4, 8):
+            pdt.assert_frame_equal(analysis.query(frames=ids, columns=columns, threads=threads),
+                                   one, obj=f"{threads} threads")
+    reader = CReader(longer)
+    try:
+        want = as_table({f: reader.read(f, 0, 918) for f in ids}, ids)
+    finally:
+        reader.close()
+    pdt.assert_frame_equal(one[["frame", "scan", "tof", "intensity"]], want)
