@@ -6,6 +6,7 @@
 #ifndef KORA_CALIBRATION_CORE_CLONEABLE_H_
 #define KORA_CALIBRATION_CORE_CLONEABLE_H_
 
+#include <boost/make_shared.hpp>
 #include <boost/pointer_cast.hpp>
 #include <boost/shared_ptr.hpp>
 #include <stdexcept>
@@ -24,6 +25,20 @@ class ICloneable {
   virtual ICloneablePtr Clone() const = 0;
   virtual ~ICloneable() {}
 };
+
+namespace detail {
+
+// Clone written once: Derived, the concrete class, derives from
+// ClonedAs<Derived, Interface> and its Clone is a copy of the whole Derived.
+template <class Derived, class Interface>
+class ClonedAs : public virtual Interface {
+ public:
+  ICloneablePtr Clone() const override {
+    return boost::make_shared<Derived>(static_cast<const Derived&>(*this));
+  }
+};
+
+}  // namespace detail
 
 // The text of the failure of cloneAs.
 extern const char* const kCloneErrorText;

@@ -1,6 +1,5 @@
 #include "calibration_core/constants/calibration_constants_physical.h"
 
-#include <boost/make_shared.hpp>
 #include <limits>
 #include <sstream>
 #include <stdexcept>
@@ -33,22 +32,10 @@ void checkIcrMode(int mode, const char* where) {
 CalibrationConstantsPhysicalTOF::CalibrationConstantsPhysicalTOF(double timeBase, double timeDelay)
     : timeDelay_(timeDelay), timeBase_(timeBase) {}
 
-ICloneablePtr CalibrationConstantsPhysicalTOF::Clone() const {
-  return boost::make_shared<CalibrationConstantsPhysicalTOF>(*this);
-}
-
 bool CalibrationConstantsPhysicalTOF::IsEqual(const ICalibrationConstantsPhysicalPtr& other) const {
   ICalibrationConstantsPhysicalTOFPtr o =
       boost::dynamic_pointer_cast<ICalibrationConstantsPhysicalTOF>(other);
   return o && o->GetTimeDelay() == timeDelay_ && o->GetTimeBase() == timeBase_;
-}
-
-void CalibrationConstantsPhysicalTOF::AssimilateIndexOffset(double indexOffset) {
-  timeDelay_ = indexOffset * timeBase_ + timeDelay_;
-}
-
-void CalibrationConstantsPhysicalTOF::SetRawRangeStart(double raw, double index) {
-  timeDelay_ = raw - index * timeBase_;
 }
 
 std::string CalibrationConstantsPhysicalTOF::Dump() const {
@@ -61,23 +48,11 @@ std::string CalibrationConstantsPhysicalTOF::Dump() const {
 CalibrationConstantsPhysicalLinear::CalibrationConstantsPhysicalLinear(double a0, double a1)
     : a0_(a0), a1_(a1) {}
 
-ICloneablePtr CalibrationConstantsPhysicalLinear::Clone() const {
-  return boost::make_shared<CalibrationConstantsPhysicalLinear>(*this);
-}
-
 bool CalibrationConstantsPhysicalLinear::IsEqual(
     const ICalibrationConstantsPhysicalPtr& other) const {
   boost::shared_ptr<CalibrationConstantsPhysicalLinear> o =
       boost::dynamic_pointer_cast<CalibrationConstantsPhysicalLinear>(other);
   return o && o->GetA0() == a0_ && o->GetA1() == a1_;
-}
-
-void CalibrationConstantsPhysicalLinear::AssimilateIndexOffset(double indexOffset) {
-  a0_ = indexOffset * a1_ + a0_;
-}
-
-void CalibrationConstantsPhysicalLinear::SetRawRangeStart(double raw, double index) {
-  a0_ = raw - index * a1_;
 }
 
 std::string CalibrationConstantsPhysicalLinear::Dump() const {
@@ -91,24 +66,12 @@ CalibrationConstantsPhysicalHalyard::CalibrationConstantsPhysicalHalyard(
     double beginRawMass, double measurementsPerRawMass)
     : beginRawMass_(beginRawMass), measurementsPerRawMass_(measurementsPerRawMass) {}
 
-ICloneablePtr CalibrationConstantsPhysicalHalyard::Clone() const {
-  return boost::make_shared<CalibrationConstantsPhysicalHalyard>(*this);
-}
-
 bool CalibrationConstantsPhysicalHalyard::IsEqual(
     const ICalibrationConstantsPhysicalPtr& other) const {
   ICalibrationConstantsPhysicalHalyardPtr o =
       boost::dynamic_pointer_cast<ICalibrationConstantsPhysicalHalyard>(other);
   return o && o->GetBeginRawMass() == beginRawMass_ &&
          o->GetMeasurementsPerRawMass() == measurementsPerRawMass_;
-}
-
-void CalibrationConstantsPhysicalHalyard::AssimilateIndexOffset(double indexOffset) {
-  beginRawMass_ = indexOffset / measurementsPerRawMass_ + beginRawMass_;
-}
-
-void CalibrationConstantsPhysicalHalyard::SetRawRangeStart(double raw, double index) {
-  beginRawMass_ = raw - index / measurementsPerRawMass_;
 }
 
 std::string CalibrationConstantsPhysicalHalyard::Dump() const {
@@ -127,10 +90,6 @@ CalibrationConstantsPhysicalFTMS::CalibrationConstantsPhysicalFTMS(double freqLo
       size_(size),
       calibMode_(calibMode),
       ftmsRawMode_(ftmsRawMode) {}
-
-ICloneablePtr CalibrationConstantsPhysicalFTMS::Clone() const {
-  return boost::make_shared<CalibrationConstantsPhysicalFTMS>(*this);
-}
 
 bool CalibrationConstantsPhysicalFTMS::IsEqual(
     const ICalibrationConstantsPhysicalPtr& other) const {

@@ -17,18 +17,40 @@
 namespace lumo {
 namespace calibration {
 namespace Constants {
+namespace detail {
 
-class CalibrationConstantsPhysicalTOF : public virtual ICalibrationConstantsPhysicalTOF,
-                                        public virtual ICalibrationConstantsPhysicalLinear {
+// Clone and the two moves of the raw range start of the families whose raw
+// is index * a1 + a0: Derived::RawSpan(n) is the raw width of n measurements,
+// n * a1 computed as the family stores its slope.
+template <class Derived>
+class RawIsLinearInIndex
+    : public calibration::detail::ClonedAs<Derived, ICalibrationConstantsPhysicalLinear> {
+ public:
+  // a0 += a1 * indexOffset.
+  void AssimilateIndexOffset(double indexOffset) override {
+    this->SetA0(derived().RawSpan(indexOffset) + this->GetA0());
+  }
+  // a0 such that `index` lies at `raw`.
+  void SetRawRangeStart(double raw, double index) override {
+    this->SetA0(raw - derived().RawSpan(index));
+  }
+
+ private:
+  const Derived& derived() const { return static_cast<const Derived&>(*this); }
+};
+
+}  // namespace detail
+
+class CalibrationConstantsPhysicalTOF
+    : public virtual ICalibrationConstantsPhysicalTOF,
+      public detail::RawIsLinearInIndex<CalibrationConstantsPhysicalTOF> {
  public:
   // The order of the digitizer columns: time base first, delay second.
   CalibrationConstantsPhysicalTOF(double timeBase, double timeDelay);
 
-  ICloneablePtr Clone() const override;
   bool IsEqual(const ICalibrationConstantsPhysicalPtr& other) const override;
-  void AssimilateIndexOffset(double indexOffset) override;
-  void SetRawRangeStart(double raw, double index) override;
   std::string Dump() const override;
+  double RawSpan(double measurements) const { return measurements * timeBase_; }
 
   KORA_CONSTANT(double, TimeDelay, timeDelay_);
   KORA_CONSTANT(double, TimeBase, timeBase_);
@@ -41,15 +63,14 @@ class CalibrationConstantsPhysicalTOF : public virtual ICalibrationConstantsPhys
   double timeBase_;
 };
 
-class CalibrationConstantsPhysicalLinear : public virtual ICalibrationConstantsPhysicalLinear {
+class CalibrationConstantsPhysicalLinear
+    : public detail::RawIsLinearInIndex<CalibrationConstantsPhysicalLinear> {
  public:
   CalibrationConstantsPhysicalLinear(double a0, double a1);
 
-  ICloneablePtr Clone() const override;
   bool IsEqual(const ICalibrationConstantsPhysicalPtr& other) const override;
-  void AssimilateIndexOffset(double indexOffset) override;
-  void SetRawRangeStart(double raw, double index) override;
   std::string Dump() const override;
+  double RawSpan(double measurements) const { return measurements * a1_; }
 
   KORA_CONSTANT(double, A0, a0_);
   KORA_CONSTANT(double, A1, a1_);
@@ -59,16 +80,16 @@ class CalibrationConstantsPhysicalLinear : public virtual ICalibrationConstantsP
   double a1_;
 };
 
-class CalibrationConstantsPhysicalHalyard : public virtual ICalibrationConstantsPhysicalHalyard,
-                                            public virtual ICalibrationConstantsPhysicalLinear {
+class CalibrationConstantsPhysicalHalyard
+    : public virtual ICalibrationConstantsPhysicalHalyard,
+      public detail::RawIsLinearInIndex<CalibrationConstantsPhysicalHalyard> {
  public:
   CalibrationConstantsPhysicalHalyard(double beginRawMass, double measurementsPerRawMass);
 
-  ICloneablePtr Clone() const override;
   bool IsEqual(const ICalibrationConstantsPhysicalPtr& other) const override;
-  void AssimilateIndexOffset(double indexOffset) override;
-  void SetRawRangeStart(double raw, double index) override;
   std::string Dump() const override;
+  // Divides by the stored count rather than multiplying by its inverse.
+  double RawSpan(double measurements) const { return measurements / measurementsPerRawMass_; }
 
   KORA_CONSTANT(double, BeginRawMass, beginRawMass_);
   KORA_CONSTANT(double, MeasurementsPerRawMass, measurementsPerRawMass_);
@@ -82,13 +103,14 @@ class CalibrationConstantsPhysicalHalyard : public virtual ICalibrationConstants
   double measurementsPerRawMass_;
 };
 
-class CalibrationConstantsPhysicalFTMS : public virtual ICalibrationConstantsPhysicalFTMS,
-                                         public virtual ICalibrationConstantsPhysicalLinear {
+class CalibrationConstantsPhysicalFTMS
+    : public virtual ICalibrationConstantsPhysicalFTMS,
+      public calibration::detail::ClonedAs<CalibrationConstantsPhysicalFTMS,
+                                           ICalibrationConstantsPhysicalLinear> {
  public:
   CalibrationConstantsPhysicalFTMS(double freqLow, double freqWidth, int size, int calibMode = 0,
                                    int ftmsRawMode = 0);
 
-  ICloneablePtr Clone() const override;
   bool IsEqual(const ICalibrationConstantsPhysicalPtr& other) const override;
   // Throws std::runtime_error for a calib mode outside 0..6.
   void AssimilateIndexOffset(double indexOffset) override;

@@ -1,6 +1,5 @@
 #include "calibration_core/temperature/calibration_temperature_compensator.h"
 
-#include <boost/make_shared.hpp>
 #include <boost/pointer_cast.hpp>
 #include <stdexcept>
 
@@ -27,10 +26,6 @@ CalibrationTemperatureCompensator::CalibrationTemperatureCompensator(
     : reference_(reference),
       referenceTemperatures_(referenceTemperatures),
       temperatureFactors_(temperatureFactors) {}
-
-ICloneablePtr CalibrationTemperatureCompensator::Clone() const {
-  return boost::make_shared<CalibrationTemperatureCompensator>(*this);
-}
 
 ICalibrationTransformatorPtr CalibrationTemperatureCompensator::GetCompensatedTransformator(
     const ICalibrationTransformatorPtr& measured) const {

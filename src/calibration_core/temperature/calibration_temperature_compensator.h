@@ -43,16 +43,15 @@ class ICalibrationTemperatureCompensator {
   virtual ICalibrationTransformatorPtr GetCompensatedTransformator() const = 0;
 };
 
-class CalibrationTemperatureCompensator : public ICalibrationTemperatureCompensator,
-                                          public virtual ICloneable {
+// Clone shares the transformators with this object.
+class CalibrationTemperatureCompensator
+    : public ICalibrationTemperatureCompensator,
+      public calibration::detail::ClonedAs<CalibrationTemperatureCompensator, ICloneable> {
  public:
   CalibrationTemperatureCompensator() {}
   CalibrationTemperatureCompensator(const ICalibrationTransformatorPtr& reference,
                                     const std::vector<double>& referenceTemperatures,
                                     const std::vector<double>& temperatureFactors);
-
-  // Shares the transformators with this object.
-  ICloneablePtr Clone() const override;
 
   ICalibrationTransformatorPtr GetReferenceTransformator() const override { return reference_; }
   void SetReferenceTransformator(const ICalibrationTransformatorPtr& reference) override {

@@ -2,6 +2,7 @@
 
 #include <boost/pointer_cast.hpp>
 #include <stdexcept>
+#include <string>
 
 #include "sys/throw.h"
 
@@ -14,13 +15,29 @@ namespace {
 // std::invalid_argument(failureText) for none or another family.
 template <class F>
 boost::shared_ptr<F> familyOf(const ICalibrationTransformatorPtr& transformer,
-                              const char* failureText) {
+                              const std::string& failureText) {
   boost::shared_ptr<F> constants;
   if (transformer) {
     constants = boost::dynamic_pointer_cast<F>(transformer->GetFunctionalConstants());
   }
   if (!constants) LUMO_THROW(std::invalid_argument(failureText));
   return constants;
+}
+
+// The failure texts of the Get and Set operations: `parameters` follow the
+// transformer in the signature, `family` is the interface the model lacks.
+std::string getFailureText(const char* parameters, const char* family) {
+  return std::string(
+             "lumo::calibration::CalibrationTOFUtilities::GetMainCalibConstants( "
+             "\t\t\t\t\tICalibrationTransformatorPtr transformer, ") +
+         parameters + ")\n: calibration transformer is not of type " + family + "Ptr";
+}
+
+std::string setFailureText(const char* parameters, const char* family) {
+  return std::string(
+             "lumo::calibration::CalibrationTOFUtilities::SetMainCalibConstants("
+             "ICalibrationTransformatorPtr transformer, ") +
+         parameters + ")\n: calibration transformer not of type " + family + "Ptr.";
 }
 
 }  // namespace
@@ -32,10 +49,8 @@ double CalibrationTOFUtilities::ConvertA1ToC1(double a1) const { return 1e12 / a
 void CalibrationTOFUtilities::GetMainCalibConstants(ICalibrationTransformatorPtr transformer,
                                                     double& c0, double& c1, double& c2) const {
   ICalibrationConstantsFunctionalTOF1Ptr tof1 = familyOf<ICalibrationConstantsFunctionalTOF1>(
-      transformer,
-      "lumo::calibration::CalibrationTOFUtilities::GetMainCalibConstants( "
-      "\t\t\t\t\tICalibrationTransformatorPtr transformer, double & c0, double & c1, double "
-      "& c2)\n: calibration transformer is not of type ICalibrationConstantsFunctionalTOF1Ptr");
+      transformer, getFailureText("double & c0, double & c1, double & c2",
+                                  "ICalibrationConstantsFunctionalTOF1"));
   c0 = tof1->GetC0();
   c1 = tof1->GetC1();
   c2 = tof1->GetC2();
@@ -45,11 +60,8 @@ void CalibrationTOFUtilities::GetMainCalibConstants(ICalibrationTransformatorPtr
                                                     double& c0, double& c1, double& c2, double& c3,
                                                     double& dm) const {
   ICalibrationConstantsFunctionalTOF2Ptr tof2 = familyOf<ICalibrationConstantsFunctionalTOF2>(
-      transformer,
-      "lumo::calibration::CalibrationTOFUtilities::GetMainCalibConstants( "
-      "\t\t\t\t\tICalibrationTransformatorPtr transformer, double & c0, double & c1, double & c2, "
-      "double c3, double dm)\n: calibration transformer is not of type "
-      "ICalibrationConstantsFunctionalTOF2Ptr");
+      transformer, getFailureText("double & c0, double & c1, double & c2, double c3, double dm",
+                                  "ICalibrationConstantsFunctionalTOF2"));
   c0 = tof2->GetC0();
   c1 = tof2->GetC1();
   c2 = tof2->GetC2();
@@ -61,9 +73,7 @@ void CalibrationTOFUtilities::SetMainCalibConstants(ICalibrationTransformatorPtr
                                                     double c0, double c1, double c2) const {
   ICalibrationConstantsFunctionalTOF1Ptr tof1 = familyOf<ICalibrationConstantsFunctionalTOF1>(
       transformer,
-      "lumo::calibration::CalibrationTOFUtilities::SetMainCalibConstants("
-      "ICalibrationTransformatorPtr transformer, double c0, double c1, double c2)\n: "
-      "calibration transformer not of type ICalibrationConstantsFunctionalTOF1Ptr.");
+      setFailureText("double c0, double c1, double c2", "ICalibrationConstantsFunctionalTOF1"));
   tof1->SetC0(c0);
   tof1->SetC1(c1);
   tof1->SetC2(c2);
@@ -74,11 +84,8 @@ void CalibrationTOFUtilities::SetMainCalibConstants(ICalibrationTransformatorPtr
                                                     double c0, double c1, double c2, double c3,
                                                     double dm) const {
   ICalibrationConstantsFunctionalTOF2Ptr tof2 = familyOf<ICalibrationConstantsFunctionalTOF2>(
-      transformer,
-      "lumo::calibration::CalibrationTOFUtilities::SetMainCalibConstants("
-      "ICalibrationTransformatorPtr transformer, double c0, double c1, double c2, double "
-      "c3, double dm)\n: calibration transformer not of type "
-      "ICalibrationConstantsFunctionalTOF2Ptr.");
+      transformer, setFailureText("double c0, double c1, double c2, double c3, double dm",
+                                  "ICalibrationConstantsFunctionalTOF2"));
   tof2->SetC0(c0);
   tof2->SetC1(c1);
   tof2->SetC2(c2);

@@ -1,7 +1,6 @@
 #include "calibration_core/zrk/calibration_polynomial_zrk.h"
 
 #include <algorithm>
-#include <boost/make_shared.hpp>
 #include <cmath>
 #include <limits>
 #include <sstream>
@@ -32,10 +31,6 @@ CalibrationPolynomialZRK::CalibrationPolynomialZRK(const std::vector<double>& co
       minMass(minMass),
       maxMass(maxMass),
       bUse(true) {}
-
-ICloneablePtr CalibrationPolynomialZRK::Clone() const {
-  return boost::make_shared<CalibrationPolynomialZRK>(*this);
-}
 
 bool CalibrationPolynomialZRK::operator==(const CalibrationPolynomialZRK& other) const {
   if (Order != other.Order || bUse != other.bUse || vCoeff.size() != other.vCoeff.size()) {

@@ -15,15 +15,14 @@ namespace lumo {
 namespace calibration {
 namespace Transformation {
 
-class CalibrationPolynomialZRK final : public ICalibrationPolynomialZRK {
+class CalibrationPolynomialZRK final
+    : public calibration::detail::ClonedAs<CalibrationPolynomialZRK, ICalibrationPolynomialZRK> {
  public:
   // The numbers in the order of the stored record: the coefficients (rising
   // powers, deltas from the identity), c2, c0, and the global mass range
   // [minMass, maxMass]. The correction is marked for use.
   CalibrationPolynomialZRK(const std::vector<double>& coefficients, double c2, double c0,
                            double minMass, double maxMass);
-
-  ICloneablePtr Clone() const override;
 
   std::int32_t GetOrder() const override { return Order; }
   std::vector<double> GetCoefficients() const override { return vCoeff; }
