@@ -18,6 +18,15 @@ std::ostringstream& dumpStream(std::ostringstream& os) {
   return os;
 }
 
+// "\t<className>[ <first> = <a>, <second> = <b> ]", doubles with all digits.
+std::string twoFieldDump(const char* className, const char* first, double a, const char* second,
+                         double b) {
+  std::ostringstream os;
+  dumpStream(os) << "\t" << className << "[ " << first << " = " << a << ", " << second << " = "
+                 << b << " ]";
+  return os.str();
+}
+
 void checkIcrMode(int mode, const char* where) {
   if (mode < 0 || mode > 6) {
     LUMO_THROW(std::runtime_error(std::string(where) +
@@ -39,10 +48,8 @@ bool CalibrationConstantsPhysicalTOF::IsEqual(const ICalibrationConstantsPhysica
 }
 
 std::string CalibrationConstantsPhysicalTOF::Dump() const {
-  std::ostringstream os;
-  dumpStream(os) << "\tCalibrationConstantsPhysicalTOF[ "
-                 << "time delay = " << timeDelay_ << ", time base = " << timeBase_ << " ]";
-  return os.str();
+  return twoFieldDump("CalibrationConstantsPhysicalTOF", "time delay", timeDelay_, "time base",
+                      timeBase_);
 }
 
 CalibrationConstantsPhysicalLinear::CalibrationConstantsPhysicalLinear(double a0, double a1)
@@ -56,10 +63,7 @@ bool CalibrationConstantsPhysicalLinear::IsEqual(
 }
 
 std::string CalibrationConstantsPhysicalLinear::Dump() const {
-  std::ostringstream os;
-  dumpStream(os) << "\tCalibrationConstantsPhysicalLinear[ "
-                 << "a0 = " << a0_ << ", a1 = " << a1_ << " ]";
-  return os.str();
+  return twoFieldDump("CalibrationConstantsPhysicalLinear", "a0", a0_, "a1", a1_);
 }
 
 CalibrationConstantsPhysicalHalyard::CalibrationConstantsPhysicalHalyard(
@@ -75,11 +79,8 @@ bool CalibrationConstantsPhysicalHalyard::IsEqual(
 }
 
 std::string CalibrationConstantsPhysicalHalyard::Dump() const {
-  std::ostringstream os;
-  dumpStream(os) << "\tCalibrationConstantsPhysicalHalyard[ "
-                 << "measurements per raw mass = " << measurementsPerRawMass_
-                 << ", begin raw mass = " << beginRawMass_ << " ]";
-  return os.str();
+  return twoFieldDump("CalibrationConstantsPhysicalHalyard", "measurements per raw mass",
+                      measurementsPerRawMass_, "begin raw mass", beginRawMass_);
 }
 
 CalibrationConstantsPhysicalFTMS::CalibrationConstantsPhysicalFTMS(double freqLow, double freqWidth,

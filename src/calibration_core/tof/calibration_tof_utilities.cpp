@@ -33,6 +33,21 @@ std::string getFailureText(const char* parameters, const char* family) {
          parameters + ")\n: calibration transformer is not of type " + family + "Ptr";
 }
 
+// c0, c1 and c2, which both TOF families store.
+template <class F>
+void getC0C1C2(const F& from, double& c0, double& c1, double& c2) {
+  c0 = from.GetC0();
+  c1 = from.GetC1();
+  c2 = from.GetC2();
+}
+
+template <class F>
+void setC0C1C2(F& to, double c0, double c1, double c2) {
+  to.SetC0(c0);
+  to.SetC1(c1);
+  to.SetC2(c2);
+}
+
 std::string setFailureText(const char* parameters, const char* family) {
   return std::string(
              "lumo::calibration::CalibrationTOFUtilities::SetMainCalibConstants("
@@ -51,9 +66,7 @@ void CalibrationTOFUtilities::GetMainCalibConstants(ICalibrationTransformatorPtr
   ICalibrationConstantsFunctionalTOF1Ptr tof1 = familyOf<ICalibrationConstantsFunctionalTOF1>(
       transformer, getFailureText("double & c0, double & c1, double & c2",
                                   "ICalibrationConstantsFunctionalTOF1"));
-  c0 = tof1->GetC0();
-  c1 = tof1->GetC1();
-  c2 = tof1->GetC2();
+  getC0C1C2(*tof1, c0, c1, c2);
 }
 
 void CalibrationTOFUtilities::GetMainCalibConstants(ICalibrationTransformatorPtr transformer,
@@ -62,9 +75,7 @@ void CalibrationTOFUtilities::GetMainCalibConstants(ICalibrationTransformatorPtr
   ICalibrationConstantsFunctionalTOF2Ptr tof2 = familyOf<ICalibrationConstantsFunctionalTOF2>(
       transformer, getFailureText("double & c0, double & c1, double & c2, double c3, double dm",
                                   "ICalibrationConstantsFunctionalTOF2"));
-  c0 = tof2->GetC0();
-  c1 = tof2->GetC1();
-  c2 = tof2->GetC2();
+  getC0C1C2(*tof2, c0, c1, c2);
   c3 = tof2->GetC3();
   dm = tof2->GetDm();
 }
@@ -74,9 +85,7 @@ void CalibrationTOFUtilities::SetMainCalibConstants(ICalibrationTransformatorPtr
   ICalibrationConstantsFunctionalTOF1Ptr tof1 = familyOf<ICalibrationConstantsFunctionalTOF1>(
       transformer,
       setFailureText("double c0, double c1, double c2", "ICalibrationConstantsFunctionalTOF1"));
-  tof1->SetC0(c0);
-  tof1->SetC1(c1);
-  tof1->SetC2(c2);
+  setC0C1C2(*tof1, c0, c1, c2);
   transformer->SetFunctionalConstants(tof1);
 }
 
@@ -86,9 +95,7 @@ void CalibrationTOFUtilities::SetMainCalibConstants(ICalibrationTransformatorPtr
   ICalibrationConstantsFunctionalTOF2Ptr tof2 = familyOf<ICalibrationConstantsFunctionalTOF2>(
       transformer, setFailureText("double c0, double c1, double c2, double c3, double dm",
                                   "ICalibrationConstantsFunctionalTOF2"));
-  tof2->SetC0(c0);
-  tof2->SetC1(c1);
-  tof2->SetC2(c2);
+  setC0C1C2(*tof2, c0, c1, c2);
   tof2->SetC3(c3);
   tof2->SetDm(dm);
   transformer->SetFunctionalConstants(tof2);
