@@ -9,32 +9,21 @@
 #ifndef KORA_CALIBRATION_CORE_TOF_CALIBRATION_TRANSFORMATOR_TOF_H_
 #define KORA_CALIBRATION_CORE_TOF_CALIBRATION_TRANSFORMATOR_TOF_H_
 
-#include "calibration_core/transformation/constants_setting_policies.h"
-#include "calibration_core/transformation/raw_index_policies.h"
-#include "calibration_core/transformation/raw_mass_policies.h"
-#include "calibration_core/transformation/transformator.h"
-#include "calibration_core/utilities/monotonic_range.h"
+#include "calibration_core/tof/square_root_model.h"
 
 namespace lumo {
 namespace calibration {
 namespace Transformation {
 
 class CalibrationTransformatorTOFLinear final
-    : public detail::ClosedSquareRootLaw<
-          Transformator<CalibrationTransformatorTOFLinear, RMLinear<SquareRoot>, RILinear,
-                        ConstantsSettingNoAction>,
-          1>,
-      public detail::FixedFunctionalDegree<1> {
-  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOFLinear, ClosedSquareRootLaw);
+    : public detail::SquareRootModel<CalibrationTransformatorTOFLinear, RMLinear<SquareRoot>, 1> {
+  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOFLinear, SquareRootModel);
 };
 
 class CalibrationTransformatorTOFQuadratic final
-    : public detail::ClosedSquareRootLaw<
-          Transformator<CalibrationTransformatorTOFQuadratic, RMQuadratic<SquareRoot>, RILinear,
-                        ConstantsSettingNoAction>,
-          2>,
-      public detail::FixedFunctionalDegree<2> {
-  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOFQuadratic, ClosedSquareRootLaw);
+    : public detail::SquareRootModel<CalibrationTransformatorTOFQuadratic, RMQuadratic<SquareRoot>,
+                                     2> {
+  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOFQuadratic, SquareRootModel);
 };
 
 }  // namespace Transformation

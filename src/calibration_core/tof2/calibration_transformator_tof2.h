@@ -13,32 +13,22 @@
 #ifndef KORA_CALIBRATION_CORE_TOF2_CALIBRATION_TRANSFORMATOR_TOF2_H_
 #define KORA_CALIBRATION_CORE_TOF2_CALIBRATION_TRANSFORMATOR_TOF2_H_
 
-#include "calibration_core/transformation/constants_setting_policies.h"
-#include "calibration_core/transformation/raw_index_policies.h"
-#include "calibration_core/transformation/raw_mass_policies.h"
-#include "calibration_core/transformation/transformator.h"
-#include "calibration_core/utilities/monotonic_range.h"
+#include "calibration_core/tof/square_root_model.h"
 
 namespace lumo {
 namespace calibration {
 namespace Transformation {
 
 class CalibrationTransformatorTOF2Linear final
-    : public detail::ClosedSquareRootLaw<
-          Transformator<CalibrationTransformatorTOF2Linear, RMShift<RMLinear<SquareRoot>>, RILinear,
-                        ConstantsSettingNoAction>,
-          1>,
-      public detail::FixedFunctionalDegree<1> {
-  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOF2Linear, ClosedSquareRootLaw);
+    : public detail::SquareRootModel<CalibrationTransformatorTOF2Linear,
+                                     RMShift<RMLinear<SquareRoot>>, 1> {
+  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOF2Linear, SquareRootModel);
 };
 
 class CalibrationTransformatorTOF2Quadratic final
-    : public detail::ClosedSquareRootLaw<
-          Transformator<CalibrationTransformatorTOF2Quadratic, RMShift<RMQuadratic<SquareRoot>>,
-                        RILinear, ConstantsSettingNoAction>,
-          2>,
-      public detail::FixedFunctionalDegree<2> {
-  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOF2Quadratic, ClosedSquareRootLaw);
+    : public detail::SquareRootModel<CalibrationTransformatorTOF2Quadratic,
+                                     RMShift<RMQuadratic<SquareRoot>>, 2> {
+  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOF2Quadratic, SquareRootModel);
 };
 
 }  // namespace Transformation
