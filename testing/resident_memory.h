@@ -29,6 +29,11 @@ inline uint64_t procStatusBytes(const std::string& field) {
 // Bytes resident now.
 inline uint64_t residentBytes() { return procStatusBytes("VmRSS"); }
 
+// Anonymous bytes resident now: what allocations cost. Pages of mapped files
+// (the program's own debug information, read when a thrown error's stack trace
+// is symbolised) are left out.
+inline uint64_t anonymousResidentBytes() { return procStatusBytes("RssAnon"); }
+
 // The most bytes resident at once since the start or the last
 // resetPeakResident().
 inline uint64_t peakResidentBytes() { return procStatusBytes("VmHWM"); }

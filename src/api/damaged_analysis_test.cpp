@@ -60,13 +60,13 @@ TEST(DamagedAnalysis, ZstdHeaderDeclaringFourGigabytesFailsWithoutTouchingThem) 
   // The expanded buffer keeps its size after the failure, so whatever was
   // touched of it is still resident. (The peak is not compared: a sanitizer
   // may write the shadow of a fresh mapping once and give it back.)
-  const uint64_t before = kora_testing::residentBytes();
+  const uint64_t before = kora_testing::anonymousResidentBytes();
   EXPECT_EQ(0u, kora_read_scans_v2(analysis.handle, 1, 0, kScans, nullptr, 0));
   EXPECT_EQ(
       "CorruptFrameDataError for FrameId=1: Error decompressing frame data: Data corruption "
       "detected",
       lastError());
-  EXPECT_LT(kora_testing::residentBytes(), before + 64 * kMiB);
+  EXPECT_LT(kora_testing::anonymousResidentBytes(), before + 64 * kMiB);
 }
 
 // Parameter: the compression type.
