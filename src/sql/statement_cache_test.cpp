@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
-#include <unistd.h>
 
 #include <string>
 
 #include "sql/cppsqlite3.h"
+#include "sql/two_connections_fixture.h"
 #include "testing/thrown_text.h"
 
 namespace {
@@ -74,28 +74,9 @@ TEST_F(StatementCacheTest, FinalisesAFailedStatementAndEverythingAfterClose) {
 
 // A connection runs a text it has seen with its kept statement: the rows are
 // those of the database now, and a finished cursor leaves no lock behind.
-class ConnectionStatementsTest : public ::testing::Test {
+class ConnectionStatementsTest : public kora_testing::TwoConnections {
  protected:
-  void SetUp() override {
-    char name[] = "/tmp/koradata-sql-XXXXXX";
-    const int fd = mkstemp(name);
-    ASSERT_NE(-1, fd);
-    close(fd);
-    path = name;
-    db.open(path);
-    db.execDML("CREATE TABLE t (a INTEGER)");
-    db.execDML("INSERT INTO t VALUES (1), (2)");
-    other.setBusyTimeout(0);
-    other.open(path);
-  }
-  void TearDown() override {
-    db.close();
-    other.close();
-    unlink(path.c_str());
-  }
-  std::string path;
-  CppSQLite3DB db;
-  CppSQLite3DB other;
+  void SetUp() override { openWith("(1), (2)"); }
 };
 
 TEST_F(ConnectionStatementsTest, RepeatedQuerySeesChangesOfOtherConnections) {
