@@ -3,6 +3,7 @@
 #include <boost/make_shared.hpp>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "calibration_core/constants/calibration_constants_functional_other.h"
 #include "calibration_core/constants/calibration_constants_functional_tof.h"
@@ -78,32 +79,6 @@ TEST(FunctionalConstants, IsEqualNeedsTheSameFamily) {
   EXPECT_FALSE(tof1->IsEqual(ICalibrationConstantsFunctionalPtr()));
 }
 
-TEST(FunctionalConstants, Dumps) {
-  EXPECT_EQ(
-      "\tCalibrationConstantsFunctionalTOF1[ c0 = 0.5, c1 = 1000 (corresponding to a1 = 1000000, "
-      "c2 = 0.25, calibMode = 3 ]",
-      CalibrationConstantsFunctionalTOF1(0.5, 1000.0, 0.25, 3).Dump());
-  EXPECT_EQ(
-      "\tCalibrationConstantsFunctionalTOF2[ c0 = 1, c1 = 2, c2 = 3, c3 = 4, c4 = 5, calibMode = "
-      "-1 ]",
-      CalibrationConstantsFunctionalTOF2(1.0, 2.0, 3.0, 4.0, 5.0).Dump());
-}
-
-TEST(FunctionalConstants, DumpsOfTheOtherFamilies) {
-  EXPECT_EQ("\tCalibrationConstantsFunctionalHalyard[ c0 = 1, c1 = 2, c2 = 3, calibMode = 4 ]",
-            Constants::CalibrationConstantsFunctionalHalyard(1.0, 2.0, 3.0, 4).Dump());
-  EXPECT_EQ("\tCalibrationConstantsFunctionalLinear[ c0 = 1.5, c1 = 2, calibMode = -1 ]",
-            Constants::CalibrationConstantsFunctionalLinear(1.5, 2.0).Dump());
-  EXPECT_EQ(
-      "\tCalibrationConstantsFunctionalFTMS04[ \n\t\tbeta = 2, freq high = 3, ftms raw mode = 4, "
-      "calib mode = 0 ]",
-      CalibrationConstantsFunctionalFTMS04(2.0, 3.0, 4, 0).Dump());
-  EXPECT_EQ(
-      "\tCalibrationConstantsFunctionalFTMS1356[ \n\t\talpha = 1, beta = 2, freq high = 3, ftms "
-      "raw mode = 5, calib mode = 6 ]",
-      CalibrationConstantsFunctionalFTMS1356(1.0, 2.0, 3.0, 5, 6).Dump());
-}
-
 TEST(FunctionalConstants, ComputationNumbersOfTheOtherFamilies) {
   Constants::CalibrationConstantsFunctionalHalyard halyard(1.0, 2.0, 3.0);
   EXPECT_EQ(2.0, halyard.GetA1());
@@ -144,19 +119,40 @@ TEST(PhysicalConstantsTOF, ConstructorTakesTimeBaseFirst) {
   EXPECT_EQ(100.0, p.GetTimeDelay());
   EXPECT_EQ(100.0, p.GetA0());
   EXPECT_EQ(0.5, p.GetA1());
-  EXPECT_EQ("\tCalibrationConstantsPhysicalTOF[ time delay = 100, time base = 0.5 ]", p.Dump());
 }
 
-TEST(PhysicalConstants, DumpsOfTheOtherFamilies) {
-  EXPECT_EQ("\tCalibrationConstantsPhysicalLinear[ a0 = 1, a1 = 0.5 ]",
-            Constants::CalibrationConstantsPhysicalLinear(1.0, 0.5).Dump());
-  EXPECT_EQ(
-      "\tCalibrationConstantsPhysicalHalyard[ measurements per raw mass = 4, begin raw mass = 10 ]",
-      CalibrationConstantsPhysicalHalyard(10.0, 4.0).Dump());
-  EXPECT_EQ(
-      "\tCalibrationConstantsPhysicalFTMS[ \n\t\ta0 = 1000, a1 = 5\n\t\tcalib mode = 2\n\t\tfreq "
-      "low = 1000, freq width = 500, ftms raw mode = 3, size = 100 ]",
-      CalibrationConstantsPhysicalFTMS(1000.0, 500.0, 100, 2, 3).Dump());
+// Each family's dumps, the functional constants' and the physical ones':
+// {Dump(), expected}.
+TEST(Constants, Dumps) {
+  const std::pair<std::string, std::string> dumps[] = {
+      {CalibrationConstantsFunctionalTOF1(0.5, 1000.0, 0.25, 3).Dump(),
+       "\tCalibrationConstantsFunctionalTOF1[ c0 = 0.5, c1 = 1000 (corresponding to a1 = 1000000, "
+       "c2 = 0.25, calibMode = 3 ]"},
+      {CalibrationConstantsPhysicalTOF(0.5, 100.0).Dump(),
+       "\tCalibrationConstantsPhysicalTOF[ time delay = 100, time base = 0.5 ]"},
+      {CalibrationConstantsFunctionalTOF2(1.0, 2.0, 3.0, 4.0, 5.0).Dump(),
+       "\tCalibrationConstantsFunctionalTOF2[ c0 = 1, c1 = 2, c2 = 3, c3 = 4, c4 = 5, calibMode = "
+       "-1 ]"},
+      {Constants::CalibrationConstantsFunctionalHalyard(1.0, 2.0, 3.0, 4).Dump(),
+       "\tCalibrationConstantsFunctionalHalyard[ c0 = 1, c1 = 2, c2 = 3, calibMode = 4 ]"},
+      {CalibrationConstantsPhysicalHalyard(10.0, 4.0).Dump(),
+       "\tCalibrationConstantsPhysicalHalyard[ measurements per raw mass = 4, begin raw mass = 10 "
+       "]"},
+      {Constants::CalibrationConstantsFunctionalLinear(1.5, 2.0).Dump(),
+       "\tCalibrationConstantsFunctionalLinear[ c0 = 1.5, c1 = 2, calibMode = -1 ]"},
+      {Constants::CalibrationConstantsPhysicalLinear(1.0, 0.5).Dump(),
+       "\tCalibrationConstantsPhysicalLinear[ a0 = 1, a1 = 0.5 ]"},
+      {CalibrationConstantsFunctionalFTMS04(2.0, 3.0, 4, 0).Dump(),
+       "\tCalibrationConstantsFunctionalFTMS04[ \n\t\tbeta = 2, freq high = 3, ftms raw mode = 4, "
+       "calib mode = 0 ]"},
+      {CalibrationConstantsFunctionalFTMS1356(1.0, 2.0, 3.0, 5, 6).Dump(),
+       "\tCalibrationConstantsFunctionalFTMS1356[ \n\t\talpha = 1, beta = 2, freq high = 3, ftms "
+       "raw mode = 5, calib mode = 6 ]"},
+      {CalibrationConstantsPhysicalFTMS(1000.0, 500.0, 100, 2, 3).Dump(),
+       "\tCalibrationConstantsPhysicalFTMS[ \n\t\ta0 = 1000, a1 = 5\n\t\tcalib mode = 2\n\t\tfreq "
+       "low = 1000, freq width = 500, ftms raw mode = 3, size = 100 ]"},
+  };
+  for (const auto& dump : dumps) EXPECT_EQ(dump.second, dump.first);
 }
 
 TEST(PhysicalConstants, AssimilateIndexOffsetKeepsTheAxis) {

@@ -33,29 +33,39 @@ boost::shared_ptr<CalibrationTransformatorIndexBoundsChecker> indexChecker(doubl
   return boost::make_shared<CalibrationTransformatorIndexBoundsChecker>(rootModel(), lower, upper);
 }
 
+typedef void (ICalibrationTransformator::*OutOfPlace)(const Doubles&, Doubles&) const;
+typedef void (ICalibrationTransformator::*InPlace)(Doubles&) const;
+
+// One batch conversion in both forms: the out-of-place form gives `expected`
+// and leaves its input alone, the in-place form gives `expected` too.
+void expectBatchForms(const ICalibrationTransformator& c, OutOfPlace outOfPlace, InPlace inPlace,
+                      const Doubles& source, const Doubles& expected) {
+  Doubles values = source;
+  Doubles out;
+  (c.*outOfPlace)(values, out);
+  EXPECT_EQ(expected, out);
+  EXPECT_EQ(source, values);
+  (c.*inPlace)(values);
+  EXPECT_EQ(expected, values);
+}
+
 TEST(RawBoundsChecker, RawResultsAreClamped) {
   auto c = rawChecker();
   EXPECT_EQ(20.0, c->MassToRaw(1e6));
   EXPECT_EQ(10.0, c->MassToRaw(0.0));
   EXPECT_EQ(15.0, c->MassToRaw(225.0));
-  Doubles values{0.0, 225.0, 1e6};
-  Doubles raws;
-  c->MassToRaw(values, raws);
-  EXPECT_EQ(Doubles({10.0, 15.0, 20.0}), raws);
-  c->MassToRaw(values);
-  EXPECT_EQ(Doubles({10.0, 15.0, 20.0}), values);
+  expectBatchForms(*c, &ICalibrationTransformator::MassToRaw, &ICalibrationTransformator::MassToRaw,
+                   {0.0, 225.0, 1e6}, {10.0, 15.0, 20.0});
 
   EXPECT_EQ(10.0, c->IndexToRaw(5));
   EXPECT_EQ(20.0, c->IndexToRaw(500));
+  Doubles raws;
   c->IndexToRaw(Ints{5, 12, 500}, raws);
   EXPECT_EQ(Doubles({10.0, 12.0, 20.0}), raws);
   EXPECT_EQ(12.5, c->DIndexToRaw(12.5));
   EXPECT_EQ(20.0, c->DIndexToRaw(20.5));
-  values = {9.5, 12.5, 20.5};
-  c->DIndexToRaw(values, raws);
-  EXPECT_EQ(Doubles({10.0, 12.5, 20.0}), raws);
-  c->DIndexToRaw(values);
-  EXPECT_EQ(Doubles({10.0, 12.5, 20.0}), values);
+  expectBatchForms(*c, &ICalibrationTransformator::DIndexToRaw,
+                   &ICalibrationTransformator::DIndexToRaw, {9.5, 12.5, 20.5}, {10.0, 12.5, 20.0});
 }
 
 TEST(RawBoundsChecker, RawToMassClampsItsInput) {
@@ -63,15 +73,8 @@ TEST(RawBoundsChecker, RawToMassClampsItsInput) {
   EXPECT_EQ(c->RawToMass(10.0), c->RawToMass(5.0));
   EXPECT_EQ(100.0, c->RawToMass(5.0));
   EXPECT_EQ(400.0, c->RawToMass(25.0));
-
-  const Doubles source{5.0, 15.0, 25.0};
-  Doubles raws = source;
-  Doubles masses;
-  c->RawToMass(raws, masses);
-  EXPECT_EQ(Doubles({100.0, 225.0, 400.0}), masses);
-  EXPECT_EQ(source, raws);
-  c->RawToMass(raws);
-  EXPECT_EQ(Doubles({100.0, 225.0, 400.0}), raws);
+  expectBatchForms(*c, &ICalibrationTransformator::RawToMass, &ICalibrationTransformator::RawToMass,
+                   {5.0, 15.0, 25.0}, {100.0, 225.0, 400.0});
 }
 
 TEST(RawBoundsChecker, RawToIndexClampsInBatchesOnly) {
@@ -81,17 +84,11 @@ TEST(RawBoundsChecker, RawToIndexClampsInBatchesOnly) {
   EXPECT_EQ(25.0, c->RawToDIndex(25.0));
 
   const Doubles source{5.0, 15.25, 25.0};
-  Doubles raws = source;
   Ints indexes;
-  c->RawToIndex(raws, indexes);
+  c->RawToIndex(source, indexes);
   EXPECT_EQ(Ints({10, 15, 20}), indexes);
-  EXPECT_EQ(source, raws);
-  Doubles dindexes;
-  c->RawToDIndex(raws, dindexes);
-  EXPECT_EQ(Doubles({10.0, 15.25, 20.0}), dindexes);
-  EXPECT_EQ(source, raws);
-  c->RawToDIndex(raws);
-  EXPECT_EQ(Doubles({10.0, 15.25, 20.0}), raws);
+  expectBatchForms(*c, &ICalibrationTransformator::RawToDIndex,
+                   &ICalibrationTransformator::RawToDIndex, source, {10.0, 15.25, 20.0});
 }
 
 TEST(RawBoundsChecker, ConversionsWithoutARawValueAreForwarded) {
@@ -100,13 +97,13 @@ TEST(RawBoundsChecker, ConversionsWithoutARawValueAreForwarded) {
   EXPECT_EQ(1000.0, c->MassToDIndex(1e6));
   EXPECT_EQ(1e6, c->DIndexToMass(1000.0));
   EXPECT_EQ(1e6, c->IndexToMass(1000));
-  Doubles values{1.0, 1e6};
-  Doubles out;
-  c->MassToDIndex(values, out);
-  EXPECT_EQ(Doubles({1.0, 1000.0}), out);
+  const Doubles values{1.0, 1e6};
+  expectBatchForms(*c, &ICalibrationTransformator::MassToDIndex,
+                   &ICalibrationTransformator::MassToDIndex, values, {1.0, 1000.0});
   Ints indexes;
   c->MassToIndex(values, indexes);
   EXPECT_EQ(Ints({1, 1000}), indexes);
+  Doubles out;
   c->IndexToMass(Ints{1, 1000}, out);
   EXPECT_EQ(Doubles({1.0, 1e6}), out);
   c->IndexToMass(999, 1000, out);
@@ -116,30 +113,25 @@ TEST(RawBoundsChecker, ConversionsWithoutARawValueAreForwarded) {
 TEST(IndexBoundsChecker, IndexResultsAreClamped) {
   auto c = indexChecker();
   EXPECT_EQ(100, c->MassToIndex(1e6));
-  EXPECT_EQ(100.0, c->MassToDIndex(1e6));
   EXPECT_EQ(12.5, c->MassToDIndex(156.25));
-  EXPECT_EQ(100.0, c->RawToDIndex(1000.0));
-  EXPECT_EQ(0.0, c->RawToDIndex(-3.0));
-  EXPECT_EQ(100, c->RawToIndex(1000.0));
+  EXPECT_EQ(100.0, c->MassToDIndex(1e6));
   EXPECT_EQ(0, c->RawToIndex(-3.0));
+  EXPECT_EQ(100, c->RawToIndex(1000.0));
+  EXPECT_EQ(0.0, c->RawToDIndex(-3.0));
+  EXPECT_EQ(100.0, c->RawToDIndex(1000.0));
 
-  Doubles values{-1.0, 156.25, 1e6};
-  Doubles dindexes;
-  c->MassToDIndex(values, dindexes);
-  EXPECT_EQ(Doubles({0.0, 12.5, 100.0}), dindexes);
+  const Doubles masses{-1.0, 156.25, 1e6};
   Ints indexes;
-  c->MassToIndex(values, indexes);
+  c->MassToIndex(masses, indexes);
   EXPECT_EQ(Ints({0, 13, 100}), indexes);
-  c->MassToDIndex(values);
-  EXPECT_EQ(Doubles({0.0, 12.5, 100.0}), values);
+  expectBatchForms(*c, &ICalibrationTransformator::MassToDIndex,
+                   &ICalibrationTransformator::MassToDIndex, masses, {0.0, 12.5, 100.0});
 
-  values = {-3.0, 12.5, 1000.0};
-  c->RawToDIndex(values, dindexes);
-  EXPECT_EQ(Doubles({0.0, 12.5, 100.0}), dindexes);
-  c->RawToIndex(values, indexes);
+  const Doubles raws{-3.0, 12.5, 1000.0};
+  c->RawToIndex(raws, indexes);
   EXPECT_EQ(Ints({0, 13, 100}), indexes);
-  c->RawToDIndex(values);
-  EXPECT_EQ(Doubles({0.0, 12.5, 100.0}), values);
+  expectBatchForms(*c, &ICalibrationTransformator::RawToDIndex,
+                   &ICalibrationTransformator::RawToDIndex, raws, {0.0, 12.5, 100.0});
 }
 
 // The scalar rounds the clamped dindex; the batches clamp whole indexes to

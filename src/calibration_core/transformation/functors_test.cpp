@@ -28,6 +28,24 @@ std::vector<double> raws(size_t n, double first, double step) {
   return v;
 }
 
+// Raw times 1000, 1001, ... of `n` samples, with one at `failing` that the
+// turning model cannot convert.
+std::vector<double> rawsFailingAt(size_t n, size_t failing) {
+  std::vector<double> v = raws(n, 1000.0, 1.0);
+  v[failing] = 3e7;
+  return v;
+}
+
+// The what() of the E that the turning model's RawToMass(in, out) throws for
+// rawsFailingAt(n, failing); `out`, filled with 7.0 before, is left as the
+// batch left it.
+template <class E>
+std::string failedBatchText(size_t n, size_t failing, std::vector<double>& out) {
+  const std::vector<double> in = rawsFailingAt(n, failing);
+  out.assign(n, 7.0);
+  return thrownText<E>([&] { turningModel()->RawToMass(in, out); });
+}
+
 TEST(BatchTransformation, SerialAndParallelPathsGiveTheScalarResults) {
   auto m = turningModel();
   for (size_t n : {1u, 99u, 100u, 5000u}) {
@@ -83,45 +101,38 @@ TEST(BatchTransformation, EmptyInputClearsTheOutput) {
 
 TEST(BatchTransformation, SerialFailureIsTheModelsOwnAndStopsAtOnce) {
   auto m = turningModel();
-  std::vector<double> in = raws(99, 1000.0, 1.0);
-  in[50] = 3e7;
-  std::vector<double> out(99, 7.0);
-  EXPECT_EQ(kComplex, thrownText<std::logic_error>([&] { m->RawToMass(in, out); }));
+  std::vector<double> out;
+  EXPECT_EQ(kComplex, failedBatchText<std::logic_error>(99, 50, out));
   ASSERT_EQ(99u, out.size());
-  EXPECT_EQ(m->RawToMass(in[49]), out[49]);
+  EXPECT_EQ(m->RawToMass(1049.0), out[49]);
   EXPECT_EQ(0.0, out[51]);
   std::vector<double> below = raws(10, -3e7, 1.0);
   EXPECT_EQ(kComplex, thrownText<std::logic_error>([&] { m->RawToMass(below); }));
 }
 
 TEST(BatchTransformation, ParallelFailureIsTheGeneralOne) {
-  auto m = turningModel();
-  std::vector<double> in = raws(100, 1000.0, 1.0);
-  in[70] = 3e7;
   std::vector<double> out;
-  EXPECT_EQ(kFailed, thrownText<std::runtime_error>([&] { m->RawToMass(in, out); }));
-  EXPECT_EQ(kFailed, thrownText<std::runtime_error>([&] { m->RawToMass(in); }));
+  EXPECT_EQ(kFailed, failedBatchText<std::runtime_error>(100, 70, out));
+  std::vector<double> in = rawsFailingAt(100, 70);
+  EXPECT_EQ(kFailed, thrownText<std::runtime_error>([&] { turningModel()->RawToMass(in); }));
 }
 
 TEST(BatchTransformation, AfterAParallelFailureEachElementIsComputedOrZero) {
   auto m = turningModel();
-  std::vector<double> in = raws(5000, 1000.0, 1.0);
-  in[2500] = 3e7;
-  std::vector<double> out(5000, 7.0);
-  EXPECT_EQ(kFailed, thrownText<std::runtime_error>([&] { m->RawToMass(in, out); }));
+  std::vector<double> out;
+  EXPECT_EQ(kFailed, failedBatchText<std::runtime_error>(5000, 2500, out));
   ASSERT_EQ(5000u, out.size());
   EXPECT_EQ(0.0, out[2500]);
   for (size_t i = 0; i < out.size(); ++i) {
     if (out[i] != 0.0) {
-      EXPECT_EQ(m->RawToMass(in[i]), out[i]) << i;
+      EXPECT_EQ(m->RawToMass(1000.0 + i), out[i]) << i;
     }
   }
 }
 
 TEST(BatchTransformation, InsideAParallelRegionRunsSerially) {
   auto m = turningModel();
-  std::vector<double> in = raws(500, 1000.0, 1.0);
-  in[300] = 3e7;
+  const std::vector<double> in = rawsFailingAt(500, 300);
   std::vector<std::string> texts(2);
 #pragma omp parallel num_threads(2)
   {
