@@ -10,29 +10,16 @@
 #ifndef KORA_CALIBRATION_CORE_HALYARD_CALIBRATION_TRANSFORMATOR_HALYARD_H_
 #define KORA_CALIBRATION_CORE_HALYARD_CALIBRATION_TRANSFORMATOR_HALYARD_H_
 
-#include "calibration_core/transformation/constants_setting_policies.h"
-#include "calibration_core/transformation/raw_index_policies.h"
-#include "calibration_core/transformation/raw_mass_policies.h"
-#include "calibration_core/transformation/transformator.h"
+#include "calibration_core/transformation/digitizer_line_model.h"
 
 namespace lumo {
 namespace calibration {
 namespace Transformation {
 
-class CalibrationTransformatorHalyardLinear final
-    : public Transformator<CalibrationTransformatorHalyardLinear, RMInverse<RMLinear<NoSquareRoot>>,
-                           RILinear, ConstantsSettingNoAction>,
-      public detail::FixedFunctionalDegree<1> {
-  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorHalyardLinear, Transformator);
-};
-
-class CalibrationTransformatorHalyardQuadratic final
-    : public Transformator<CalibrationTransformatorHalyardQuadratic,
-                           RMInverse<RMQuadratic<NoSquareRoot>>, RILinear,
-                           ConstantsSettingNoAction>,
-      public detail::FixedFunctionalDegree<2> {
-  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorHalyardQuadratic, Transformator);
-};
+KORA_MODEL(CalibrationTransformatorHalyardLinear, DigitizerLineModel,
+           RMInverse<RMLinear<NoSquareRoot>>, 1);
+KORA_MODEL(CalibrationTransformatorHalyardQuadratic, DigitizerLineModel,
+           RMInverse<RMQuadratic<NoSquareRoot>>, 2);
 
 }  // namespace Transformation
 }  // namespace calibration

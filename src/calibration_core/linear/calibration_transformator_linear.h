@@ -6,21 +6,14 @@
 #ifndef KORA_CALIBRATION_CORE_LINEAR_CALIBRATION_TRANSFORMATOR_LINEAR_H_
 #define KORA_CALIBRATION_CORE_LINEAR_CALIBRATION_TRANSFORMATOR_LINEAR_H_
 
-#include "calibration_core/transformation/constants_setting_policies.h"
-#include "calibration_core/transformation/raw_index_policies.h"
-#include "calibration_core/transformation/raw_mass_policies.h"
-#include "calibration_core/transformation/transformator.h"
+#include "calibration_core/transformation/digitizer_line_model.h"
 
 namespace lumo {
 namespace calibration {
 namespace Transformation {
 
-class CalibrationTransformatorLinear final
-    : public Transformator<CalibrationTransformatorLinear, RMInverse<RMLinear<NoSquareRoot>>,
-                           RILinear, ConstantsSettingNoAction>,
-      public detail::FixedFunctionalDegree<1> {
-  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorLinear, Transformator);
-};
+KORA_MODEL(CalibrationTransformatorLinear, DigitizerLineModel, RMInverse<RMLinear<NoSquareRoot>>,
+           1);
 
 }  // namespace Transformation
 }  // namespace calibration

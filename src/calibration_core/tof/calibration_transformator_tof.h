@@ -15,16 +15,8 @@ namespace lumo {
 namespace calibration {
 namespace Transformation {
 
-class CalibrationTransformatorTOFLinear final
-    : public detail::SquareRootModel<CalibrationTransformatorTOFLinear, RMLinear<SquareRoot>, 1> {
-  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOFLinear, SquareRootModel);
-};
-
-class CalibrationTransformatorTOFQuadratic final
-    : public detail::SquareRootModel<CalibrationTransformatorTOFQuadratic, RMQuadratic<SquareRoot>,
-                                     2> {
-  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOFQuadratic, SquareRootModel);
-};
+KORA_MODEL(CalibrationTransformatorTOFLinear, SquareRootModel, RMLinear<SquareRoot>, 1);
+KORA_MODEL(CalibrationTransformatorTOFQuadratic, SquareRootModel, RMQuadratic<SquareRoot>, 2);
 
 }  // namespace Transformation
 }  // namespace calibration

@@ -19,17 +19,9 @@ namespace lumo {
 namespace calibration {
 namespace Transformation {
 
-class CalibrationTransformatorTOF2Linear final
-    : public detail::SquareRootModel<CalibrationTransformatorTOF2Linear,
-                                     RMShift<RMLinear<SquareRoot>>, 1> {
-  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOF2Linear, SquareRootModel);
-};
-
-class CalibrationTransformatorTOF2Quadratic final
-    : public detail::SquareRootModel<CalibrationTransformatorTOF2Quadratic,
-                                     RMShift<RMQuadratic<SquareRoot>>, 2> {
-  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOF2Quadratic, SquareRootModel);
-};
+KORA_MODEL(CalibrationTransformatorTOF2Linear, SquareRootModel, RMShift<RMLinear<SquareRoot>>, 1);
+KORA_MODEL(CalibrationTransformatorTOF2Quadratic, SquareRootModel, RMShift<RMQuadratic<SquareRoot>>,
+           2);
 
 }  // namespace Transformation
 }  // namespace calibration

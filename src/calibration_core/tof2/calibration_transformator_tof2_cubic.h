@@ -13,10 +13,7 @@
 #include <utility>
 
 #include "calibration_core/tof2/rm_cubic.h"
-#include "calibration_core/transformation/constants_setting_policies.h"
-#include "calibration_core/transformation/raw_index_policies.h"
-#include "calibration_core/transformation/raw_mass_policies.h"
-#include "calibration_core/transformation/transformator.h"
+#include "calibration_core/transformation/digitizer_line_model.h"
 #include "logging/logger.h"
 
 namespace lumo {
@@ -24,10 +21,9 @@ namespace calibration {
 namespace Transformation {
 
 class CalibrationTransformatorTOF2Cubic final
-    : public Transformator<CalibrationTransformatorTOF2Cubic, RMShift<RMCubic<SquareRoot>>,
-                           RILinear, ConstantsSettingNoAction>,
-      public detail::FixedFunctionalDegree<3> {
-  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOF2Cubic, Transformator);
+    : public detail::DigitizerLineModel<CalibrationTransformatorTOF2Cubic,
+                                        RMShift<RMCubic<SquareRoot>>, 3> {
+  KORA_MODEL_NAME_AND_CONSTRUCTORS(CalibrationTransformatorTOF2Cubic, DigitizerLineModel);
 
   // The rising range of the cubic in w around sqrt(m0 + dm), as masses.
   // Throws std::runtime_error for m0 + dm < 0.
