@@ -57,12 +57,9 @@ class RMQuadraticTilt {
   // Throws std::invalid_argument when `constants` is not
   // ICalibrationConstantsFunctionalComputationQuadratic.
   void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
-    const ICalibrationConstantsFunctionalComputationQuadraticPtr quadratic =
-        computationOf<ICalibrationConstantsFunctionalComputationQuadratic>(
-            constants, "RMQuadraticTilt", "ICalibrationConstantsFunctionalComputationQuadratic");
-    c = quadratic->GetC0();
-    b = quadratic->GetA1();
-    a = quadratic->GetC2();
+    detail::readQuadraticLaw<ICalibrationConstantsFunctionalComputationQuadratic>(
+        constants, "RMQuadraticTilt", "ICalibrationConstantsFunctionalComputationQuadratic", c, b,
+        a);
   }
 
   double c;

@@ -59,16 +59,12 @@ class RMCubic<SquareRoot> {
   }
 
   void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
-    const ICalibrationConstantsFunctionalComputationCubicPtr cubic =
-        computationOf<ICalibrationConstantsFunctionalComputationCubic>(
-            constants, "RMCubic", "ICalibrationConstantsFunctionalComputationCubic");
-    k0 = cubic->GetC0();
-    const double a1 = cubic->GetA1();
-    k2 = cubic->GetC2();
-    k3 = cubic->GetC3();
-    sign = a1 >= 0 ? 1.0 : -1.0;
-    k1 = signedSqrt(a1);
-    D0 = a1;
+    double a1;
+    k3 = detail::readQuadraticLaw<ICalibrationConstantsFunctionalComputationCubic>(
+             constants, "RMCubic", "ICalibrationConstantsFunctionalComputationCubic", k0, a1, k2)
+             ->GetC3();
+    // A NaN a1 gives sign +1.0; every conversion is NaN then whatever the sign.
+    detail::squareRootLawRoot(a1, sign, k1, D0);
   }
 
   double k0;

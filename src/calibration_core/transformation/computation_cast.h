@@ -24,6 +24,24 @@ boost::shared_ptr<I> computationOf(const ICalibrationConstantsFunctionalPtr& con
   return computation;
 }
 
+namespace detail {
+
+// c0, a1 and c2 of the computation interface I, the quadratic one or one
+// derived from it, named `interfaceName`, which `policy` reads; returns
+// `constants` as I for the policy's further numbers.
+template <class I>
+boost::shared_ptr<I> readQuadraticLaw(const ICalibrationConstantsFunctionalPtr& constants,
+                                      const char* policy, const char* interfaceName, double& c0,
+                                      double& a1, double& c2) {
+  const boost::shared_ptr<I> law = computationOf<I>(constants, policy, interfaceName);
+  c0 = law->GetC0();
+  a1 = law->GetA1();
+  c2 = law->GetC2();
+  return law;
+}
+
+}  // namespace detail
+
 }  // namespace Transformation
 }  // namespace calibration
 }  // namespace lumo

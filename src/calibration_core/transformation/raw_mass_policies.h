@@ -28,6 +28,31 @@ namespace Transformation {
 struct SquareRoot {};
 struct NoSquareRoot {};
 
+namespace detail {
+
+// Steps of UpdateFunctionalConstants that several policies share.
+
+// c0 and the slope term a1 of the linear computation interface. Throws
+// std::invalid_argument (the RMLinear text) when `constants` do not answer it.
+inline void readLinearLaw(const ICalibrationConstantsFunctionalPtr& constants, double& c0,
+                          double& a1) {
+  const ICalibrationConstantsFunctionalComputationLinearPtr linear =
+      computationOf<ICalibrationConstantsFunctionalComputationLinear>(
+          constants, "RMLinear", "ICalibrationConstantsFunctionalComputationLinear");
+  c0 = linear->GetC0();
+  a1 = linear->GetA1();
+}
+
+// The numbers of the stable root of a square-root law with slope term a1:
+// sign of a1, b = signedSqrt(a1) and D0 = a1 itself (not b * b).
+inline void squareRootLawRoot(double a1, double& sign, double& b, double& D0) {
+  sign = a1 < 0 ? -1.0 : 1.0;
+  b = signedSqrt(a1);
+  D0 = a1;
+}
+
+}  // namespace detail
+
 template <class Tag>
 class RMLinear;
 
@@ -48,11 +73,7 @@ class RMLinear<SquareRoot> {
   // Throws std::invalid_argument when `constants` is not
   // ICalibrationConstantsFunctionalComputationLinear.
   void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
-    const ICalibrationConstantsFunctionalComputationLinearPtr linear =
-        computationOf<ICalibrationConstantsFunctionalComputationLinear>(
-            constants, "RMLinear", "ICalibrationConstantsFunctionalComputationLinear");
-    c0 = linear->GetC0();
-    a1 = linear->GetA1();
+    detail::readLinearLaw(constants, c0, a1);
   }
 
   double c0;
@@ -68,11 +89,7 @@ class RMLinear<NoSquareRoot> {
   double MassToRaw(double mass) const { return A * mass + c0; }
   double RawToMass(double raw) const { return (raw - c0) / A; }
   void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
-    const ICalibrationConstantsFunctionalComputationLinearPtr linear =
-        computationOf<ICalibrationConstantsFunctionalComputationLinear>(
-            constants, "RMLinear", "ICalibrationConstantsFunctionalComputationLinear");
-    c0 = linear->GetC0();
-    A = linear->GetA1();
+    detail::readLinearLaw(constants, c0, A);
   }
 
   double c0;
@@ -81,6 +98,19 @@ class RMLinear<NoSquareRoot> {
 
 template <class Tag>
 class RMQuadratic;
+
+namespace detail {
+
+// c0, a1 and c2 of the quadratic computation interface, as RMQuadratic reads
+// them. Throws std::invalid_argument (the RMQuadratic text) when `constants`
+// do not answer it.
+inline ICalibrationConstantsFunctionalComputationQuadraticPtr readQuadratic(
+    const ICalibrationConstantsFunctionalPtr& constants, double& c0, double& a1, double& c2) {
+  return readQuadraticLaw<ICalibrationConstantsFunctionalComputationQuadratic>(
+      constants, "RMQuadratic", "ICalibrationConstantsFunctionalComputationQuadratic", c0, a1, c2);
+}
+
+}  // namespace detail
 
 // t = c2 * m + signedSqrt(a1 * m) + c0. RawToMass solves
 // c2 w^2 + b w + (c0 - t) = 0 for w by the numerically stable root and
@@ -105,16 +135,8 @@ class RMQuadratic<SquareRoot> {
     return signedSquare(w);
   }
   void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
-    const ICalibrationConstantsFunctionalComputationQuadraticPtr quadratic =
-        computationOf<ICalibrationConstantsFunctionalComputationQuadratic>(
-            constants, "RMQuadratic", "ICalibrationConstantsFunctionalComputationQuadratic");
-    c0 = quadratic->GetC0();
-    a1 = quadratic->GetA1();
-    c2 = quadratic->GetC2();
-    a1FromStoredC1 = quadratic->GetA1FromStoredC1();
-    sign = a1 < 0 ? -1.0 : 1.0;
-    b = signedSqrt(a1);
-    D0 = a1;
+    a1FromStoredC1 = detail::readQuadratic(constants, c0, a1, c2)->GetA1FromStoredC1();
+    detail::squareRootLawRoot(a1, sign, b, D0);
   }
 
   double c0;
@@ -147,13 +169,7 @@ class RMQuadratic<NoSquareRoot> {
   // Throws std::invalid_argument when `constants` is not
   // ICalibrationConstantsFunctionalComputationQuadratic.
   void UpdateFunctionalConstants(const ICalibrationConstantsFunctionalPtr& constants) {
-    const ICalibrationConstantsFunctionalComputationQuadraticPtr quadratic =
-        computationOf<ICalibrationConstantsFunctionalComputationQuadratic>(
-            constants, "RMQuadratic", "ICalibrationConstantsFunctionalComputationQuadratic");
-    c0 = quadratic->GetC0();
-    c1 = quadratic->GetA1();
-    c2 = quadratic->GetC2();
-    a1FromStoredC1 = quadratic->GetA1FromStoredC1();
+    a1FromStoredC1 = detail::readQuadratic(constants, c0, c1, c2)->GetA1FromStoredC1();
     sign = c1 < 0 ? -1.0 : 1.0;
     b = c1;
     D0 = c1 * c1;
