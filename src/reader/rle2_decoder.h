@@ -13,7 +13,11 @@
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
-#include <xmmintrin.h>
+#endif
+// GCC and Clang on x86-64 build an AVX2 decoder beside the build's own,
+// chosen at run time.
+#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
+#define KORA_RLE2_AVX2 1
 #endif
 
 #include "reader/corrupt_data_error.h"
@@ -39,38 +43,36 @@ inline size_t decodePairBlockSse2(const unsigned char* plane0, size_t w, size_t 
   // The running index minus 1, which is what a peak stores: adding the
   // steps to it gives each peak's index directly.
   __m128i carry = _mm_set1_epi32(static_cast<int>(index - 1));
-  // Running sums of four steps, on top of `carry`; `carry` becomes the last.
-  auto runningIndex = [&](__m128i steps) {
+  // Running sums of four steps each, without the carry.
+  auto runningSum = [](__m128i steps) {
     steps = _mm_add_epi32(steps, _mm_slli_si128(steps, 4));
-    steps = _mm_add_epi32(steps, _mm_slli_si128(steps, 8));
-    steps = _mm_add_epi32(steps, carry);
-    carry = _mm_shuffle_epi32(steps, 0xFF);
-    return steps;
+    return _mm_add_epi32(steps, _mm_slli_si128(steps, 8));
   };
+  // Each plane block holds one byte of 8 word pairs: even bytes belong to
+  // index steps, odd bytes to intensities. Masks and shifts split them into
+  // 16-bit halves, which leaves the shuffle unit only the four unpacks that
+  // join the halves; that unit bounds the loop.
+  const __m128i even = _mm_set1_epi16(0x00FF);
   for (; k + 8 <= n; k += 8) {
     const size_t m = 2 * k;
     const __m128i b0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(plane0 + m));
     const __m128i b1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p1 + m));
     const __m128i b2 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p2 + m));
     const __m128i b3 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p3 + m));
-    const __m128i lo01 = _mm_unpacklo_epi8(b0, b1);
-    const __m128i hi01 = _mm_unpackhi_epi8(b0, b1);
-    const __m128i lo23 = _mm_unpacklo_epi8(b2, b3);
-    const __m128i hi23 = _mm_unpackhi_epi8(b2, b3);
-    // Words 0-3, 4-7, 8-11, 12-15 of the step; even words are index steps,
-    // odd words intensities.
-    const __m128 w0 = _mm_castsi128_ps(_mm_unpacklo_epi16(lo01, lo23));
-    const __m128 w1 = _mm_castsi128_ps(_mm_unpackhi_epi16(lo01, lo23));
-    const __m128 w2 = _mm_castsi128_ps(_mm_unpacklo_epi16(hi01, hi23));
-    const __m128 w3 = _mm_castsi128_ps(_mm_unpackhi_epi16(hi01, hi23));
-    const __m128i steps_a = _mm_castps_si128(_mm_shuffle_ps(w0, w1, _MM_SHUFFLE(2, 0, 2, 0)));
-    const __m128i values_a = _mm_castps_si128(_mm_shuffle_ps(w0, w1, _MM_SHUFFLE(3, 1, 3, 1)));
-    const __m128i steps_b = _mm_castps_si128(_mm_shuffle_ps(w2, w3, _MM_SHUFFLE(2, 0, 2, 0)));
-    const __m128i values_b = _mm_castps_si128(_mm_shuffle_ps(w2, w3, _MM_SHUFFLE(3, 1, 3, 1)));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(indices + k), runningIndex(steps_a));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(indices + k + 4), runningIndex(steps_b));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(intensities + k), values_a);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(intensities + k + 4), values_b);
+    const __m128i steps_lo = _mm_or_si128(_mm_and_si128(b0, even), _mm_slli_epi16(b1, 8));
+    const __m128i steps_hi = _mm_or_si128(_mm_and_si128(b2, even), _mm_slli_epi16(b3, 8));
+    const __m128i values_lo = _mm_or_si128(_mm_srli_epi16(b0, 8), _mm_andnot_si128(even, b1));
+    const __m128i values_hi = _mm_or_si128(_mm_srli_epi16(b2, 8), _mm_andnot_si128(even, b3));
+    const __m128i a = _mm_add_epi32(runningSum(_mm_unpacklo_epi16(steps_lo, steps_hi)), carry);
+    const __m128i b = _mm_add_epi32(runningSum(_mm_unpackhi_epi16(steps_lo, steps_hi)),
+                                    _mm_shuffle_epi32(a, 0xFF));
+    carry = _mm_shuffle_epi32(b, 0xFF);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(indices + k), a);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(indices + k + 4), b);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(intensities + k),
+                     _mm_unpacklo_epi16(values_lo, values_hi));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(intensities + k + 4),
+                     _mm_unpackhi_epi16(values_lo, values_hi));
   }
   index = static_cast<uint32_t>(_mm_cvtsi128_si32(carry)) + 1;
 #else
@@ -84,6 +86,15 @@ inline size_t decodePairBlockSse2(const unsigned char* plane0, size_t w, size_t 
   return k;
 }
 
+// True when decodePairBlockAvx2 may run on this processor; false where it
+// was not built. Thread-safe.
+bool wideDecodingAvailable();
+
+// As decodePairBlockSse2, 16 peaks per step; returns a multiple of 16.
+// REQUIRES: wideDecodingAvailable().
+size_t decodePairBlockAvx2(const unsigned char* plane0, size_t w, size_t n, uint32_t& index,
+                           uint32_t* indices, uint32_t* intensities);
+
 // Decodes `n` peaks from the word pairs that start at `plane0` in a
 // byte-plane table of `w` words, continuing the running `index`, into
 // indices[0, n) and intensities[0, n). The two arrays may lie anywhere in
@@ -91,7 +102,10 @@ inline size_t decodePairBlockSse2(const unsigned char* plane0, size_t w, size_t 
 // REQUIRES: the four planes hold 2 * n bytes each from that position.
 inline void decodePairs(const unsigned char* plane0, size_t w, size_t n, uint32_t& index,
                         uint32_t* indices, uint32_t* intensities) {
-  size_t k = decodePairBlockSse2(plane0, w, n, index, indices, intensities);
+  size_t k = 0;
+  if (n >= 16 && wideDecodingAvailable())
+    k = decodePairBlockAvx2(plane0, w, n, index, indices, intensities);
+  k += decodePairBlockSse2(plane0 + 2 * k, w, n - k, index, indices + k, intensities + k);
   const unsigned char* const p1 = plane0 + w;
   const unsigned char* const p2 = p1 + w;
   const unsigned char* const p3 = p2 + w;

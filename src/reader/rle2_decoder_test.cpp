@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -97,6 +98,72 @@ TEST(Rle2Decoder, BlockSinksSeeTheSamePeaks) {
   EXPECT_EQ(std::make_pair(4u, (0xFFFF0000u + 1) / 2), peaks[1]);
   EXPECT_EQ((std::vector<size_t>{256, 256, 88}), blocks);
 }
+
+// The block decoders against a plain decoding of the words: `steps` and
+// `values` of random 32-bit words, so that every byte plane and the wrapping
+// of the running index count, in runs whose lengths end in each remainder of
+// the blocks. `index` enters as `start` and must leave as the plain one.
+class PairBlocks : public ::testing::Test {
+ protected:
+  using Block = size_t (*)(const unsigned char*, size_t, size_t, uint32_t&, uint32_t*, uint32_t*);
+
+  void SetUp() override {
+    std::mt19937 random(20261123);
+    for (int i = 0; i < 2 * kPairs; ++i) words.push_back(random());
+    planes = writer::toBytePlanes(words);
+  }
+
+  // Decodes pairs [from, from + n) with `block` or, when null, decodePairs,
+  // and checks every peak it claims and the index it leaves.
+  void check(Block block, size_t from, size_t n, uint32_t start, size_t step) {
+    std::vector<uint32_t> indices(n + 1, 0xABABABAB);
+    std::vector<uint32_t> intensities(n + 1, 0xABABABAB);
+    uint32_t index = start;
+    size_t done = n;
+    if (block != nullptr) {
+      done = block(planes.data() + 2 * from, words.size(), n, index, indices.data(),
+                   intensities.data());
+      ASSERT_EQ(n / step * step, done) << n;
+    } else {
+      detail::decodePairs(planes.data() + 2 * from, words.size(), n, index, indices.data(),
+                          intensities.data());
+    }
+    uint32_t expected = start;
+    for (size_t k = 0; k < done; ++k) {
+      expected += words[2 * (from + k)];
+      ASSERT_EQ(expected - 1, indices[k]) << "peak " << k << " of " << n;
+      ASSERT_EQ(words[2 * (from + k) + 1], intensities[k]) << "peak " << k << " of " << n;
+    }
+    EXPECT_EQ(expected, index) << n;
+    EXPECT_EQ(0xABABABABu, indices[done]);
+    EXPECT_EQ(0xABABABABu, intensities[done]);
+  }
+
+  void checkAll(Block block, size_t step) {
+    for (size_t n = 0; n <= 49; ++n) check(block, 3, n, 1, step);
+    check(block, 0, kPairs, 0xFFFFFFF0u, step);
+    check(block, 5, kPairs - 5, 0, step);
+  }
+
+  static constexpr int kPairs = 1000;
+  std::vector<uint32_t> words;
+  writer::Bytes planes;
+};
+
+TEST_F(PairBlocks, Sse2DecodesWholeBlocksOfEight) {
+#if defined(__SSE2__)
+  checkAll(detail::decodePairBlockSse2, 8);
+#else
+  GTEST_SKIP() << "built without SSE2";
+#endif
+}
+
+TEST_F(PairBlocks, Avx2DecodesWholeBlocksOfSixteen) {
+  if (!detail::wideDecodingAvailable()) GTEST_SKIP() << "no AVX2 here";
+  checkAll(detail::decodePairBlockAvx2, 16);
+}
+
+TEST_F(PairBlocks, DecodePairsDecodesEveryPeak) { checkAll(nullptr, 1); }
 
 TEST(Rle2Decoder, CorruptScans) {
   const std::vector<unsigned char> data = writer::toBytePlanes({1, 2, 3, 4, 5, 6});
