@@ -102,10 +102,26 @@ size_t decodePairBlockAvx2(const unsigned char* plane0, size_t w, size_t n, uint
 // REQUIRES: the four planes hold 2 * n bytes each from that position.
 inline void decodePairs(const unsigned char* plane0, size_t w, size_t n, uint32_t& index,
                         uint32_t* indices, uint32_t* intensities) {
-  size_t k = 0;
-  if (n >= 16 && wideDecodingAvailable())
-    k = decodePairBlockAvx2(plane0, w, n, index, indices, intensities);
-  k += decodePairBlockSse2(plane0 + 2 * k, w, n - k, index, indices + k, intensities + k);
+  using Block = size_t (*)(const unsigned char*, size_t, size_t, uint32_t&, uint32_t*, uint32_t*);
+  Block block = decodePairBlockSse2;
+  size_t width = 8;
+  if (n >= 16 && wideDecodingAvailable()) {
+    block = decodePairBlockAvx2;
+    width = 16;
+  }
+  size_t k = block(plane0, w, n, index, indices, intensities);
+  if (k >= width && k < n) {
+    // The rest: the last `width` peaks, from s >= 1 on, decoded again aside
+    // from the index after peak s - 1; only peaks k to n are kept.
+    const size_t s = n - width;
+    uint32_t window_indices[16];
+    uint32_t window_intensities[16];
+    index = indices[s - 1] + 1;
+    block(plane0 + 2 * s, w, width, index, window_indices, window_intensities);
+    std::copy(window_indices + (k - s), window_indices + width, indices + k);
+    std::copy(window_intensities + (k - s), window_intensities + width, intensities + k);
+    return;
+  }
   const unsigned char* const p1 = plane0 + w;
   const unsigned char* const p2 = p1 + w;
   const unsigned char* const p3 = p2 + w;
