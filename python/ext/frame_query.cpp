@@ -5,12 +5,15 @@
 #include <chrono>
 #include <condition_variable>
 #include <exception>
+#include <deque>
 #include <mutex>
+#include <shared_mutex>
 #include <thread>
 #include <vector>
 
 #include "frame_batch.h"
 #include "koradata.h"
+#include "row_plan.h"
 
 namespace koradata_py {
 namespace detail {
@@ -71,60 +74,113 @@ class ProgressBoard {
   bool finished_ = false;
 };
 
-// Hands out frame positions until every one is taken: ascending from the
-// front to the front reader, descending from the back to the others. The
-// front reader's frames are thus a prefix of the query, whose rows start at
-// row 0. Thread-safe.
-class FrameClaims {
+// The columns of the result, written by every reader at once, each to the
+// rows of its own frames, so that each page is first touched by the thread
+// that fills it. They grow (and may move) only while no one writes.
+// Thread-safe.
+class SharedColumns {
  public:
-  explicit FrameClaims(size_t count) : back_(count), none_(count) {}
+  SharedColumns(const QueryColumns& wanted, size_t frames) : wanted_(wanted), frames_(frames) {}
 
-  // The next position, or the frame count once all are taken.
-  size_t take(bool fromFront) {
-    std::lock_guard<std::mutex> lock(mutex_);
-    if (front_ == back_) return none_;
-    return fromFront ? front_++ : --back_;
+  // Writes the rows of the one frame of `batch` from row `first` on; `plan`
+  // gives the peaks per frame so far, from which the rows of all frames are
+  // guessed when the columns must grow.
+  void write(const FrameBatch& batch, size_t first, RowPlan& plan) {
+    const StoredFrame& stored = batch.frames().front();
+    const size_t end = first + stored.peaks;
+    {
+      std::shared_lock<std::shared_mutex> lock(mutex_);
+      if (end <= rows_) {
+        batch.writeRows(stored, table_, first);
+        return;
+      }
+    }
+    std::unique_lock<std::shared_mutex> lock(mutex_);
+    if (end > rows_) {
+      const size_t framesKnown = std::max<size_t>(plan.framesKnown(), 1);
+      const size_t guess = plan.rowsKnown() / framesKnown * (frames_ + frames_ / 8);
+      rows_ = std::max({end, guess, rows_ + rows_ / 2});
+      table_.forWanted(wanted_, [&](auto& c) { c.resize(rows_); });
+    }
+    batch.writeRows(stored, table_, first);
+  }
+
+  // The columns, cut to `rows`. REQUIRES: no writer left.
+  PeakTable& finish(size_t rows) {
+    table_.forWanted(wanted_, [&](auto& c) { c.resize(rows); });
+    return table_;
   }
 
  private:
-  std::mutex mutex_;
-  size_t front_ = 0;  // guarded by mutex_
-  size_t back_;       // guarded by mutex_
-  const size_t none_;
+  const QueryColumns& wanted_;
+  const size_t frames_;
+  std::shared_mutex mutex_;
+  PeakTable table_;  // each wanted column rows_ long; guarded by mutex_
+  size_t rows_ = 0;  // guarded by mutex_
 };
 
-// A frame kept by a back reader, to be written at its row.
-struct PendingFrame {
-  const FrameBatch* batch;
-  const StoredFrame* stored;
-};
+// Frames read by one reader and not yet written, each in a batch of its own
+// so that its place in the result need not be known when it is read.
+// Thread-compatible.
+class ReaderSlots {
+ public:
+  // A reader rarely gets more than a frame ahead of the frames before its
+  // own; beyond this many frames waiting it waits itself.
+  static constexpr size_t kMaxSlots = 3;
 
-// Writes the pending frames to their rows of `table` on `threads` threads,
-// each taking a contiguous run of about equal rows, so that each page of the
-// columns is first touched by the thread that fills it.
-// `firstRow[p]`: the first row of the frame at position p.
-void writeRowsOnThreads(std::vector<PendingFrame>& pending, const std::vector<size_t>& firstRow,
-                        size_t threads, PeakTable& table) {
-  std::sort(pending.begin(), pending.end(), [](const PendingFrame& a, const PendingFrame& b) {
-    return a.stored->position < b.stored->position;
-  });
-  size_t rows = 0;
-  for (const PendingFrame& f : pending) rows += f.stored->peaks;
-  // Run t holds the frames whose rows begin in [t * rows / threads, ...).
-  std::vector<size_t> runBegin(threads + 1, pending.size());
-  size_t row = 0;
-  size_t run = 0;
-  for (size_t i = 0; i < pending.size(); ++i) {
-    while (run < threads && row >= run * rows / threads) runBegin[run++] = i;
-    row += pending[i].stored->peaks;
-  }
-  onThreads(threads, [&](size_t t) {
-    for (size_t i = runBegin[t]; i < runBegin[t + 1]; ++i) {
-      const StoredFrame& s = *pending[i].stored;
-      pending[i].batch->writeRows(s, table, firstRow[s.position]);
+  ReaderSlots(const QueryRequest& request, Connection& connection)
+      : request_(request), connection_(connection) {}
+
+  // An empty batch, once a waiting frame is written if all are taken.
+  FrameBatch& free(SharedColumns& columns, RowPlan& plan) {
+    if (free_.empty()) {
+      if (slots_.size() < kMaxSlots) {
+        slots_.push_back(std::make_unique<FrameBatch>(request_, connection_, 1));
+        free_.push_back(slots_.back().get());
+      } else {
+        writeOldest(columns, plan, plan.waitFirstRow(position(*waiting_.front())));
+      }
     }
-  });
-}
+    free_.back()->clear();
+    return *free_.back();
+  }
+
+  // Keeps the frame just read into the batch free() gave, to be written.
+  void keep() {
+    waiting_.push_back(free_.back());
+    free_.pop_back();
+  }
+
+  // Writes the waiting frames whose first rows are known; with `all`, waits
+  // until each one's is.
+  void write(SharedColumns& columns, RowPlan& plan, bool all) {
+    while (!waiting_.empty()) {
+      size_t first = 0;
+      if (all) {
+        first = plan.waitFirstRow(position(*waiting_.front()));
+      } else if (!plan.firstRow(position(*waiting_.front()), first)) {
+        return;
+      }
+      writeOldest(columns, plan, first);
+    }
+  }
+
+ private:
+  static size_t position(const FrameBatch& batch) { return batch.frames().front().position; }
+
+  void writeOldest(SharedColumns& columns, RowPlan& plan, size_t first) {
+    FrameBatch* batch = waiting_.front();
+    columns.write(*batch, first, plan);
+    waiting_.pop_front();
+    free_.push_back(batch);
+  }
+
+  const QueryRequest& request_;
+  Connection& connection_;
+  std::vector<std::unique_ptr<FrameBatch>> slots_;
+  std::vector<FrameBatch*> free_;
+  std::deque<FrameBatch*> waiting_;  // ascending by position
+};
 
 }  // namespace detail
 
@@ -138,10 +194,8 @@ QueryResult runQuery(const QueryRequest& request, const std::string& directory, 
   QueryResult result;
   result.peaks.assign(count, 0);
   const QueryColumns& wanted = request.columns;
-  PeakTable table;
-  size_t frontRows = 0;  // rows of the front reader's frames, written to `table`
-  std::vector<std::unique_ptr<FrameBatch>> batches(workers);
-  detail::FrameClaims claims(count);
+  RowPlan plan(count);
+  detail::SharedColumns columns(wanted, count);
   std::mutex errorsMutex;
   // Position of the first failed frame under stopOnError: frames behind it
   // are not read, frames before it still are, so that the first failure in
@@ -151,65 +205,47 @@ QueryResult runQuery(const QueryRequest& request, const std::string& directory, 
   detail::ProgressBoard board;
   std::exception_ptr openFailure;
 
-  // Reader 0 writes each frame's rows into `table` at once, behind the rows
-  // before it; the others keep their frames until all are read and the
-  // rows of every frame are known.
+  // Each reader takes the next frame, reads it, tells its peaks and writes
+  // it to its rows once the peaks of all frames before it are told.
   auto read = [&](size_t w) {
     if (!pool[w]) pool[w] = std::make_unique<Connection>(directory, recalibrated);
     // The batch m/z conversion may start threads of its own; beside
     // other readers it runs on this one alone (the setting is per thread).
     if (workers > 1) kora_set_num_threads(1);
-    const bool front = w == 0;
-    batches[w] = std::make_unique<FrameBatch>(request, *pool[w], front ? 1 : count / workers);
-    FrameBatch& batch = *batches[w];
-    for (size_t i = claims.take(front); i < count && !cancelled.load(); i = claims.take(front)) {
-      if (request.numScans[i] != 0 && i < stopAt.load()) {
-        try {
-          if (front) batch.clear();
-          result.peaks[i] = batch.append(i);
-        } catch (const LibraryError& e) {
-          std::lock_guard<std::mutex> lock(errorsMutex);
-          result.errors.push_back({i, e.what()});
-          if (request.stopOnError && i < stopAt.load()) stopAt.store(i);
-        }
-        if (front && !batch.frames().empty()) {
-          const size_t peaks = batch.frames().front().peaks;
-          // Room for all frames, guessed from the first.
-          if (frontRows == 0) {
-            table.forWanted(wanted, [&](auto& c) { c.reserve(peaks * count + peaks * count / 8); });
+    detail::ReaderSlots slots(request, *pool[w]);
+    for (size_t i = plan.take(); i < count; i = plan.take()) {
+      size_t peaks = 0;
+      try {
+        FrameBatch& batch = slots.free(columns, plan);
+        if (request.numScans[i] != 0 && i < stopAt.load() && !cancelled.load()) {
+          try {
+            peaks = batch.append(i);
+            slots.keep();
+          } catch (const LibraryError& e) {
+            std::lock_guard<std::mutex> lock(errorsMutex);
+            result.errors.push_back({i, e.what()});
+            if (request.stopOnError && i < stopAt.load()) stopAt.store(i);
           }
-          table.forWanted(wanted, [&](auto& c) { c.resize(frontRows + peaks); });
-          batch.writeRows(batch.frames().front(), table, frontRows);
-          frontRows += peaks;
         }
+      } catch (...) {
+        plan.tell(i, 0);
+        throw;
       }
+      result.peaks[i] = peaks;
+      plan.tell(i, peaks);
       board.frameDone();
+      slots.write(columns, plan, false);
     }
+    slots.write(columns, plan, true);
   };
   auto failedEarly = [&] {
     if (cancelled.load()) return true;
     std::lock_guard<std::mutex> lock(errorsMutex);
     return request.stopOnError && !result.errors.empty();
   };
-  // The rows of the back readers' frames, once the rows of all are known.
-  auto writeBack = [&] {
-    std::vector<size_t> firstRow(count + 1, 0);
-    for (size_t i = 0; i < count; ++i) firstRow[i + 1] = firstRow[i] + result.peaks[i];
-    result.rows = firstRow[count];
-    table.forWanted(wanted, [&](auto& c) {
-      c.reserve(result.rows);
-      c.resize(result.rows);
-    });
-    std::vector<detail::PendingFrame> pending;
-    for (size_t w = 1; w < workers; ++w) {
-      for (const StoredFrame& s : batches[w]->frames()) pending.push_back({batches[w].get(), &s});
-    }
-    detail::writeRowsOnThreads(pending, firstRow, workers, table);
-  };
   std::thread readers([&] {
     try {
       detail::onThreads(workers, read);
-      if (!failedEarly()) writeBack();
     } catch (...) {
       openFailure = std::current_exception();
     }
@@ -225,6 +261,9 @@ QueryResult runQuery(const QueryRequest& request, const std::string& directory, 
   std::sort(result.errors.begin(), result.errors.end(),
             [](const FrameError& a, const FrameError& b) { return a.position < b.position; });
   if (failedEarly()) return result;
+
+  result.rows = plan.rowsKnown();
+  PeakTable& table = columns.finish(result.rows);
 
   if (wanted.frame) result.frame = table.frame.release();
   if (wanted.scan) result.scan = table.scan.release();
