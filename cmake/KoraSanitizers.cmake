@@ -11,6 +11,10 @@
 # KORA_BUILD_FUZZERS: everything is compiled with libFuzzer's coverage
 # (-fsanitize=fuzzer-no-link), so the fuzz targets are guided by the library's
 # own branches; kora_fuzzer links the driver.
+# KORA_INITIAL_BUFFER_BYTES: when set, caps the starting size in bytes of the
+# reader's frame buffers (they still grow as frames need). make fuzz sets it:
+# under ASan, taking and releasing the ordinary tens of megabytes on every
+# open and close costs more than reading a small analysis.
 include(CheckCXXSourceCompiles)
 
 if(KORA_SANITIZE)
@@ -43,4 +47,9 @@ endif()
 
 if(KORA_BUILD_FUZZERS)
   add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
+set(KORA_INITIAL_BUFFER_BYTES "" CACHE STRING "Cap on the reader's starting buffer sizes (empty: none)")
+if(KORA_INITIAL_BUFFER_BYTES)
+  add_compile_definitions(KORA_INITIAL_BUFFER_BYTES=${KORA_INITIAL_BUFFER_BYTES})
 endif()

@@ -29,6 +29,18 @@ void resizeDiscarding(Buffer& buffer, size_t n) {
   buffer.resize(n);
 }
 
+// A buffer's starting size: `ordinary`, or at most KORA_INITIAL_BUFFER_BYTES
+// where the build defines it (the fuzz build, which opens and closes a reader
+// per input and would otherwise spend its time on tens of megabytes it never
+// uses). Buffers still grow to whatever a frame needs.
+constexpr size_t initialBufferSize(size_t ordinary) {
+#ifdef KORA_INITIAL_BUFFER_BYTES
+  return ordinary < KORA_INITIAL_BUFFER_BYTES ? ordinary : KORA_INITIAL_BUFFER_BYTES;
+#else
+  return ordinary;
+#endif
+}
+
 }  // namespace detail
 }  // namespace kora
 }  // namespace io

@@ -38,8 +38,8 @@ class OxaFrameReader : boost::noncopyable {
   static constexpr uint32_t kMaxFrameSize = 0x40000000;
   // Starting sizes of the two buffers, so that ordinary frames never make
   // them grow; the allocation is reused for every frame.
-  static constexpr size_t kInitialCompressedSize = 10000000;
-  static constexpr size_t kInitialExpandedSize = 20000000;
+  static constexpr size_t kInitialCompressedSize = detail::initialBufferSize(10000000);
+  static constexpr size_t kInitialExpandedSize = detail::initialBufferSize(20000000);
 
   OxaFrameReader();
   ~OxaFrameReader();

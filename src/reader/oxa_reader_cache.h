@@ -36,7 +36,7 @@ namespace kora {
 
 class OxaReaderCache : boost::noncopyable {
  public:
-  static constexpr size_t kInitialDataSize = 10000000;
+  static constexpr size_t kInitialDataSize = detail::initialBufferSize(10000000);
 
   OxaReaderCache();
 
