@@ -4,11 +4,13 @@
 #include <boost/make_shared.hpp>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "calibration_access/calibration_row_decoders.h"
 #include "calibration_access/frame_temperatures.h"
 #include "calibration_core/constants/measurement_mode_info.h"
 #include "calibration_core/temperature/temperature_compensation.h"
+#include "calibration_core/temperature/temperature_compensation_constants.h"
 #include "logging/log_stream.h"
 #include "reader/corrupt_data_error.h"  // header-only: the analysis data error class
 #include "sql/cppsqlite3.h"
@@ -26,9 +28,11 @@ using lumo::logging::Level;
 using lumo::logging::LogStream;
 namespace access = lumo::io::calibration;
 
-// Columns of a fetched MzCalibration row.
 namespace {
+// Columns of a fetched MzCalibration row.
 enum MzColumn { kModelType = 1, kTimebase, kDelay, kT1, kT2, kDC1, kDC2, kFirstCoefficient };
+const char* const kNoCompensationLine =
+    "Not performing temperatur compensation, as coeffiecents are 0.0";
 }  // namespace
 
 OxaCalibrationReaderImpl::OxaCalibrationReaderImpl(std::shared_ptr<CppSQLite3DB> db)
@@ -81,6 +85,21 @@ ICalibrationTransformatorPtr OxaCalibrationReaderImpl::getMzTrafo(int64_t frameI
 
   CppSQLite3Query query;
   if (!mzTableReader.getRow(calibrationId, query)) return ICalibrationTransformatorPtr();
+  // The key is read before any field is converted; T1, T2 of the frame enter
+  // the model only at the end, and reading them here cannot fail.
+  access::BuiltTransformatorCache::Inputs inputs;
+  const bool keyed = access::BuiltTransformatorCache::readRow(query, inputs);
+  if (keyed) {
+    inputs.withFrameTemperature = withFrameTemperature;
+    inputs.negative = negative;
+    inputs.T1 = frame.getFloatField(2, 0.0);
+    inputs.T2 = frame.getFloatField(3, 0.0);
+    bool logsLine = false;
+    if (ICalibrationTransformatorPtr built = builtMzTrafo.find(inputs, &logsLine)) {
+      if (logsLine) LogStream(logger, Level::TRACE) << kNoCompensationLine;
+      return built;
+    }
+  }
   const int model = query.getIntField(kModelType, 0);
   const double timebase = query.getFloatField(kTimebase, 0.0);
   const double delay = query.getFloatField(kDelay, 0.0);
@@ -108,9 +127,20 @@ ICalibrationTransformatorPtr OxaCalibrationReaderImpl::getMzTrafo(int64_t frameI
     return transformator;
   }
   // The frame's temperatures are read only now, once the model is built.
-  return access::detail::applyFrameTemperatures(
+  const ICalibrationTransformatorPtr built = access::detail::applyFrameTemperatures(
       transformator, reference, frame.getFloatField(2, 0.0), frame.getFloatField(3, 0.0), logger,
-      "Not performing temperatur compensation, as coeffiecents are 0.0");
+      kNoCompensationLine);
+  if (keyed) {
+    // The line was written when both coefficients are 0.0 and the constants
+    // carry temperatures.
+    const bool logsLine =
+        reference.dC1 == 0.0 && reference.dC2 == 0.0 &&
+        boost::dynamic_pointer_cast<
+            lumo::calibration::ICalibrationConstantsFunctionalTemperatureCompensation>(
+            built->GetFunctionalConstants()) != nullptr;
+    builtMzTrafo.keep(std::move(inputs), built, logsLine);
+  }
+  return built;
 }
 
 }  // namespace kora_calibration

@@ -1,7 +1,9 @@
 // The instrument calibration of an analysis: per frame, the m/z and the
 // mobility transformator that analysis.oxa itself holds (tables Frames,
-// MzCalibration and KoraCalibration). Nothing is cached: every call queries
-// anew and returns a new transformator that the caller owns.
+// MzCalibration and KoraCalibration). Every call queries anew and returns a
+// new transformator that the caller owns; the last m/z transformator built is
+// kept with the values it was built from, and a call that reads the same
+// values returns a copy of it rather than building again.
 //
 // Thread-compatible: one thread at a time, as the connection it shares.
 #ifndef KORA_CALIBRATION_ACCESS_OXA_CALIBRATION_READER_IMPL_H_
@@ -12,6 +14,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "calibration_access/built_transformator_cache.h"
 #include "calibration_access/calibration_table_reader.h"
 #include "calibration_core/transformation/calibration_transformator.h"
 #include "logging/logger.h"
@@ -55,6 +58,7 @@ class OxaCalibrationReaderImpl : boost::noncopyable {
   std::shared_ptr<CppSQLite3DB> database;
   lumo::io::calibration::CalibrationTableReader mzTableReader;
   lumo::io::calibration::CalibrationTableReader mobilityTableReader;
+  mutable lumo::io::calibration::BuiltTransformatorCache builtMzTrafo;
 };
 
 }  // namespace kora_calibration

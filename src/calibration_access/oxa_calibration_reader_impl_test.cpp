@@ -157,6 +157,9 @@ TEST_F(OxaCalibrationReader, ZeroCoefficientsRecordTheFrameTemperaturesWithoutCo
   EXPECT_EQ(std::vector<double>({26.0, 33.0}), constants->GetTemperatures());
   EXPECT_EQ(3, constants->GetCompensationMode());
   EXPECT_EQ(1u, countLines(readerTestLog().substr(before), kNoCompensation));
+  // A second call of the same frame writes the line again.
+  expectTofLaw(reader.getMzTrafo(1, true), 1.0);
+  EXPECT_EQ(2u, countLines(readerTestLog().substr(before), kNoCompensation));
 }
 
 TEST_F(OxaCalibrationReader, OneNonZeroCoefficientCompensatesForTheFrameTemperatures) {
@@ -219,6 +222,54 @@ TEST_F(OxaCalibrationReader, WithoutFrameTemperatureTheFrameGivesOnlyItsPolarity
   EXPECT_EQ(1, negative->GetMeasurementModeInfo()->GetPolarity());
   EXPECT_EQ(2, negative->GetMeasurementModeInfo()->GetAcquisitionMode());
   EXPECT_EQ(0, negative->GetMeasurementModeInfo()->GetScanMode());
+  EXPECT_EQ(0, reader.getMzTrafo(2, false)->GetMeasurementModeInfo()->GetPolarity());
+}
+
+// --- Repeated calls ---------------------------------------------------------
+
+TEST_F(OxaCalibrationReader, RepeatedCallsSeeEveryChangeOfTheRowsRead) {
+  tofRow(1, "20.0, 30.0, 10.0, 100.0");
+  frame(1, "1, 1, '+', 21.0, 33.0");
+  OxaCalibrationReaderImpl reader(db);
+  expectTofLaw(reader.getMzTrafo(1, true), 0.99969);
+  expectTofLaw(reader.getMzTrafo(1, true), 0.99969);
+  // s = 1 + ((20 - 22) * 10 + (30 - 33) * 100) / 1e6.
+  exec("UPDATE Frames SET T1 = 22.0 WHERE Id = 1");
+  expectTofLaw(reader.getMzTrafo(1, true), 0.99968);
+  exec("UPDATE MzCalibration SET dC1 = 0.0, dC2 = 0.0 WHERE Id = 1");
+  expectTofLaw(reader.getMzTrafo(1, true), 1.0);
+  // The same cell values stored as integers, then as text, build the same law.
+  exec("UPDATE Frames SET T1 = 22, T2 = '33.0' WHERE Id = 1");
+  expectTofLaw(reader.getMzTrafo(1, true), 1.0);
+  expectTofLaw(reader.getMzTrafo(1, true), 1.0);
+  exec("UPDATE MzCalibration SET ModelType = 9 WHERE Id = 1");
+  EXPECT_EQ("Unknown m/z calibration model 9", thrownText([&] { reader.getMzTrafo(1, true); }));
+  exec("UPDATE Frames SET Polarity = '-' WHERE Id = 1");
+  EXPECT_EQ("Unknown m/z calibration model 9", thrownText([&] { reader.getMzTrafo(1, true); }));
+}
+
+TEST_F(OxaCalibrationReader, RepeatedCallGivesATransformatorOfItsOwn) {
+  OxaCalibrationReaderImpl reader(db);
+  tofRow(1, "20.0, 30.0, 10.0, 100.0");
+  frame(1, "1, 1, '+', 21.0, 33.0");
+  const ICalibrationTransformatorPtr first = reader.getMzTrafo(1, true);
+  const ICalibrationTransformatorPtr second = reader.getMzTrafo(1, true);
+  ASSERT_NE(first.get(), second.get());
+  // Changing what one call returned changes nothing of the next call's.
+  first->SetFunctionalConstants(reader.getMzTrafo(1, false)->GetFunctionalConstants());
+  EXPECT_EQ(std::vector<double>({20.0, 30.0}), temperatureConstants(first)->GetTemperatures());
+  expectTofLaw(reader.getMzTrafo(1, true), 0.99969);
+  expectTofLaw(second, 0.99969);
+}
+
+TEST_F(OxaCalibrationReader, RepeatedCallOfTheOtherPolarityOrFormIsBuiltForIt) {
+  tofRow(1, "25.0, 30.0, 10.0, 100.0");
+  frame(1, "1, 1, '-', 40.0, 50.0");
+  frame(2, "1, 1, '+', 40.0, 50.0");
+  OxaCalibrationReaderImpl reader(db);
+  EXPECT_EQ(1, reader.getMzTrafo(1, false)->GetMeasurementModeInfo()->GetPolarity());
+  EXPECT_EQ(0, reader.getMzTrafo(2, false)->GetMeasurementModeInfo()->GetPolarity());
+  EXPECT_FALSE(reader.getMzTrafo(2, true)->GetMeasurementModeInfo());
   EXPECT_EQ(0, reader.getMzTrafo(2, false)->GetMeasurementModeInfo()->GetPolarity());
 }
 
