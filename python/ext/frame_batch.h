@@ -51,7 +51,12 @@ class FrameBatch {
   // `expectedFrames`: about how many frames will be appended before a
   // clear(); room for them is made after the first.
   FrameBatch(const QueryRequest& request, Connection& connection, size_t expectedFrames)
-      : request_(request), connection_(connection), expectedFrames_(expectedFrames) {}
+      : request_(request), connection_(connection), expectedFrames_(expectedFrames) {
+    // Room from the block cache, so that the words of a batch live on across
+    // queries instead of going back to a thread's arena, which gives their
+    // pages back to the system and faults them in again in the next query.
+    words_.reserve(kMinCachedBytes / sizeof(uint32_t));
+  }
 
   // Reads frame `position`, converts what the query wants, appends it and
   // returns its peaks. Throws LibraryError, leaving the batch as it was.
