@@ -37,14 +37,6 @@ size_t FrameBatch::append(size_t position) {
     throw;
   }
   frames_.push_back(s);
-  if (frames_.size() == 1 && expectedFrames_ > 1) {
-    // Room for all expected frames, guessed from the first, so that the
-    // buffers rarely grow (and large ones come from the block cache).
-    const size_t frames = expectedFrames_ + expectedFrames_ / 8;
-    words_.reserve(words_.size() * frames);
-    invMobility_.reserve(invMobility_.size() * frames);
-    mz_.reserve(mz_.size() * frames);
-  }
   return s.peaks;
 }
 

@@ -48,10 +48,8 @@ struct StoredFrame {
 // Thread-compatible; the connection is used by this batch's thread alone.
 class FrameBatch {
  public:
-  // `expectedFrames`: about how many frames will be appended before a
-  // clear(); room for them is made after the first.
-  FrameBatch(const QueryRequest& request, Connection& connection, size_t expectedFrames)
-      : request_(request), connection_(connection), expectedFrames_(expectedFrames) {
+  FrameBatch(const QueryRequest& request, Connection& connection)
+      : request_(request), connection_(connection) {
     // Room from the block cache, so that the words of a batch live on across
     // queries instead of going back to a thread's arena, which gives their
     // pages back to the system and faults them in again in the next query.
@@ -77,7 +75,6 @@ class FrameBatch {
  private:
   const QueryRequest& request_;
   Connection& connection_;
-  const size_t expectedFrames_;
   std::vector<StoredFrame> frames_;
   WordBuffer words_;
   MallocVector<double> invMobility_;  // per scan of each frame, V s / cm^2

@@ -135,7 +135,7 @@ class ReaderSlots {
   FrameBatch& free(SharedColumns& columns, RowPlan& plan) {
     if (free_.empty()) {
       if (slots_.size() < kMaxSlots) {
-        slots_.push_back(std::make_unique<FrameBatch>(request_, connection_, 1));
+        slots_.push_back(std::make_unique<FrameBatch>(request_, connection_));
         free_.push_back(slots_.back().get());
       } else {
         writeOldest(columns, plan, plan.waitFirstRow(position(*waiting_.front())));
