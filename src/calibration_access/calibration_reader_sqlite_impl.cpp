@@ -239,7 +239,7 @@ const CalibrationReaderSqliteImpl::ReferenceMzTrafo& CalibrationReaderSqliteImpl
     bool negative) const {
   ReferenceSlot& slot = referenceSlots[negative ? 1 : 0];
   // A failure leaves the flag unset: the next call tries again.
-  std::call_once(slot.loaded, [&] { slot.trafo = loadRefMzTrafo(negative); });
+  slot.loaded.call([&] { slot.trafo = loadRefMzTrafo(negative); });
   if (!slot.trafo)
     LUMO_THROW(
         std::runtime_error((boost::format("no reference calibration available for %s polarity") %

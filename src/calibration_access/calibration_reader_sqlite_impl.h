@@ -4,7 +4,8 @@
 // reference transformator slots. See calibration_reader_sqlite.h for the
 // operations and their failures.
 //
-// Thread-compatible, apart from the reference slots (std::call_once each).
+// Thread-compatible, apart from the reference slots (std::call_once each,
+// through detail::RetryingOnce).
 #ifndef KORA_CALIBRATION_ACCESS_CALIBRATION_READER_SQLITE_IMPL_H_
 #define KORA_CALIBRATION_ACCESS_CALIBRATION_READER_SQLITE_IMPL_H_
 
@@ -22,6 +23,7 @@
 #include "calibration_access/calibration_state_selector.h"
 #include "calibration_access/calibration_table_reader.h"
 #include "calibration_access/frame_temperatures.h"
+#include "calibration_access/retrying_once.h"
 #include "calibration_core/transformation/calibration_transformator.h"
 #include "logging/logger.h"
 #include "mobility/transformation.h"
@@ -58,7 +60,7 @@ class CalibrationReaderSqliteImpl : boost::noncopyable {
   [[noreturn]] void fail(const std::string& text) const;
 
   struct ReferenceSlot {
-    std::once_flag loaded;
+    detail::RetryingOnce loaded;
     boost::optional<ReferenceMzTrafo> trafo;
   };
 
