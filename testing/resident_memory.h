@@ -34,6 +34,24 @@ inline uint64_t residentBytes() { return procStatusBytes("VmRSS"); }
 // is symbolised) are left out.
 inline uint64_t anonymousResidentBytes() { return procStatusBytes("RssAnon"); }
 
+// True in a ThreadSanitizer build. Its runtime keeps per-allocation state in
+// anonymous memory of its own, tens of megabytes for an allocation of
+// gigabytes that the program never touches, so a budget on anonymous memory
+// there measures the sanitizer rather than the code.
+constexpr bool sanitizerCountsInAnonymousMemory() {
+#if defined(__SANITIZE_THREAD__)
+  return true;
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+  return true;
+#else
+  return false;
+#endif
+#else
+  return false;
+#endif
+}
+
 // The most bytes resident at once since the start or the last
 // resetPeakResident().
 inline uint64_t peakResidentBytes() { return procStatusBytes("VmHWM"); }
