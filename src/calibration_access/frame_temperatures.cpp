@@ -19,7 +19,8 @@ using lumo::logging::LogStream;
 ICalibrationTransformatorPtr applyFrameTemperatures(
     const ICalibrationTransformatorPtr& transformator,
     const details::MzCalibTemperatureInfo& reference, double T1, double T2,
-    const lumo::logging::Logger& logger, const char* noCompensationLine) {
+    const lumo::logging::Logger& logger, const char* noCompensationLine, bool* loggedLine) {
+  if (loggedLine) *loggedLine = false;
   const auto constants =
       boost::dynamic_pointer_cast<ICalibrationConstantsFunctionalTemperatureCompensation>(
           transformator->GetFunctionalConstants());
@@ -27,6 +28,7 @@ ICalibrationTransformatorPtr applyFrameTemperatures(
 
   if (reference.dC1 == 0.0 && reference.dC2 == 0.0) {
     LogStream(logger, Level::TRACE) << noCompensationLine;
+    if (loggedLine) *loggedLine = true;
     constants->SetTemperatures({T1, T2});
     constants->SetCompensationMode(3);  // SetTemperatures made it 2
     transformator->SetFunctionalConstants(constants);

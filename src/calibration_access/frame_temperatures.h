@@ -35,10 +35,12 @@ namespace detail {
 // a new transformator: `transformator` adapted from the reference
 // temperatures to (T1, T2). Constants that carry no temperatures (models
 // other than TOF) are left alone and `transformator` is returned as it is.
+// `*loggedLine`, when given, tells whether the line was logged.
 boost::shared_ptr<lumo::calibration::ICalibrationTransformator> applyFrameTemperatures(
     const boost::shared_ptr<lumo::calibration::ICalibrationTransformator>& transformator,
     const details::MzCalibTemperatureInfo& reference, double T1, double T2,
-    const lumo::logging::Logger& logger, const char* noCompensationLine);
+    const lumo::logging::Logger& logger, const char* noCompensationLine,
+    bool* loggedLine = nullptr);
 
 }  // namespace detail
 }  // namespace calibration

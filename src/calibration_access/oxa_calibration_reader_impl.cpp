@@ -10,7 +10,6 @@
 #include "calibration_access/frame_temperatures.h"
 #include "calibration_core/constants/measurement_mode_info.h"
 #include "calibration_core/temperature/temperature_compensation.h"
-#include "calibration_core/temperature/temperature_compensation_constants.h"
 #include "logging/log_stream.h"
 #include "reader/corrupt_data_error.h"  // header-only: the analysis data error class
 #include "sql/cppsqlite3.h"
@@ -127,19 +126,11 @@ ICalibrationTransformatorPtr OxaCalibrationReaderImpl::getMzTrafo(int64_t frameI
     return transformator;
   }
   // The frame's temperatures are read only now, once the model is built.
+  bool logsLine = false;
   const ICalibrationTransformatorPtr built = access::detail::applyFrameTemperatures(
       transformator, reference, frame.getFloatField(2, 0.0), frame.getFloatField(3, 0.0), logger,
-      kNoCompensationLine);
-  if (keyed) {
-    // The line was written when both coefficients are 0.0 and the constants
-    // carry temperatures.
-    const bool logsLine =
-        reference.dC1 == 0.0 && reference.dC2 == 0.0 &&
-        boost::dynamic_pointer_cast<
-            lumo::calibration::ICalibrationConstantsFunctionalTemperatureCompensation>(
-            built->GetFunctionalConstants()) != nullptr;
-    builtMzTrafo.keep(std::move(inputs), built, logsLine);
-  }
+      kNoCompensationLine, &logsLine);
+  if (keyed) builtMzTrafo.keep(std::move(inputs), built, logsLine);
   return built;
 }
 
