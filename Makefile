@@ -81,7 +81,7 @@ clang:
 fuzz:
 	@KORA_BOOTSTRAP_CLANG=1 bash scripts/bootstrap.sh
 	@cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKORA_BUILD_TESTS=OFF -DKORA_BUILD_FUZZERS=ON \
-		-DKORA_INITIAL_BUFFER_BYTES=65536 -DKORA_BUILD_PYTHON=OFF -DKORA_SANITIZE=address,undefined \
+		-DKORA_INITIAL_BUFFER_BYTES=65536 -DKORA_MAX_BELIEVED_BYTES=16777216 -DKORA_BUILD_PYTHON=OFF -DKORA_SANITIZE=address,undefined \
 		-DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ >/dev/null
 	@cmake --build build-fuzz -j $(JOBS)
 

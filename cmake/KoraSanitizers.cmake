@@ -15,6 +15,10 @@
 # reader's frame buffers (they still grow as frames need). make fuzz sets it:
 # under ASan, taking and releasing the ordinary tens of megabytes on every
 # open and close costs more than reading a small analysis.
+# KORA_MAX_BELIEVED_BYTES: when set, caps the sizes read from the frame file
+# that the reader believes (a frame's stored and expanded sizes, a run of
+# scans): a larger one fails as an oversized one does instead of being
+# allocated. make fuzz sets it: under ASan a lying size is paid in full.
 include(CheckCXXSourceCompiles)
 
 if(KORA_SANITIZE)
@@ -52,4 +56,8 @@ endif()
 set(KORA_INITIAL_BUFFER_BYTES "" CACHE STRING "Cap on the reader's starting buffer sizes (empty: none)")
 if(KORA_INITIAL_BUFFER_BYTES)
   add_compile_definitions(KORA_INITIAL_BUFFER_BYTES=${KORA_INITIAL_BUFFER_BYTES})
+endif()
+set(KORA_MAX_BELIEVED_BYTES "" CACHE STRING "Cap on the sizes the reader believes from the frame file (empty: none)")
+if(KORA_MAX_BELIEVED_BYTES)
+  add_compile_definitions(KORA_MAX_BELIEVED_BYTES=${KORA_MAX_BELIEVED_BYTES})
 endif()

@@ -41,6 +41,19 @@ constexpr size_t initialBufferSize(size_t ordinary) {
 #endif
 }
 
+// A limit on a size word of the frame file: `ordinary`, or at most
+// KORA_MAX_BELIEVED_BYTES where the build defines it (the fuzz build: under
+// ASan every allocation writes the shadow of all its bytes, so a lying size of
+// a gigabyte costs a hundred megabytes of writes however little of it is
+// used). A size above the limit fails as one above the ordinary limit does.
+constexpr uint64_t believedSizeLimit(uint64_t ordinary) {
+#ifdef KORA_MAX_BELIEVED_BYTES
+  return ordinary < KORA_MAX_BELIEVED_BYTES ? ordinary : KORA_MAX_BELIEVED_BYTES;
+#else
+  return ordinary;
+#endif
+}
+
 }  // namespace detail
 }  // namespace kora
 }  // namespace io

@@ -1,6 +1,7 @@
 #include "reader/oxa_frame_reader.h"
 
 #include <zstd.h>
+#include <zstd_errors.h>
 
 #include <algorithm>
 #include <new>
@@ -19,9 +20,12 @@ namespace {
 
 constexpr int64_t kNoFrame = -2;
 
+[[noreturn]] void throwZstdError(int64_t frame_id, const char* text) {
+  LUMO_THROW(CorruptFrameDataError(frame_id, std::string("Error decompressing frame data: ") + text));
+}
+
 [[noreturn]] void throwZstdError(int64_t frame_id, size_t code) {
-  LUMO_THROW(CorruptFrameDataError(
-      frame_id, std::string("Error decompressing frame data: ") + ZSTD_getErrorName(code)));
+  throwZstdError(frame_id, ZSTD_getErrorName(code));
 }
 
 }  // namespace
@@ -75,6 +79,9 @@ void OxaFrameReader::fill(std::istream& stream, int64_t frame_id, int64_t kora_i
   const unsigned long long content = ZSTD_getFrameContentSize(compressed.data(), c);
   if (ZSTD_isError(static_cast<size_t>(content)))
     throwZstdError(frame_id, static_cast<size_t>(content));
+  // Any declared size is taken, apart from the fuzz build's limit.
+  if (content > detail::believedSizeLimit(~uint64_t{0}))
+    throwZstdError(frame_id, ZSTD_getErrorString(ZSTD_error_dstSize_tooSmall));
   const uint32_t d = static_cast<uint32_t>(content);
   detail::resizeDiscarding(decompressed, d);
   const size_t result = ZSTD_decompressDCtx(dctx, decompressed.data(), d, compressed.data(), c);

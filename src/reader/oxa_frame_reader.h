@@ -35,7 +35,7 @@ namespace kora {
 
 class OxaFrameReader : boost::noncopyable {
  public:
-  static constexpr uint32_t kMaxFrameSize = 0x40000000;
+  static constexpr uint32_t kMaxFrameSize = detail::believedSizeLimit(0x40000000);
   // Starting sizes of the two buffers, so that ordinary frames never make
   // them grow; the allocation is reused for every frame.
   static constexpr size_t kInitialCompressedSize = detail::initialBufferSize(10000000);

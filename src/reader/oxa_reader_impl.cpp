@@ -26,7 +26,7 @@ namespace {
 // A single scan read outside a hinted run.
 constexpr uint64_t kMaxScanRead = 0x10000;
 // A hinted run of scans.
-constexpr uint64_t kMaxRunRead = 0x40000000;
+constexpr uint64_t kMaxRunRead = detail::believedSizeLimit(0x40000000);
 
 bool missing(const fs::file_status& status) {
   return status.type() == fs::status_error || status.type() == fs::file_not_found;
