@@ -157,13 +157,15 @@ Instance* toInstance(uint64_t handle) {
 }
 
 // The boundary handler of every export that can fail.
+// The diagnostic text (location, type, stack trace) is only built when the
+// DEBUG line would be written.
 void saveError(const std::exception& e) {
-  const std::string text = boost::diagnostic_information(e, true);
-  if (!text.empty()) {
-    const Logger logger = Logger::getLogger(kLoggerName);  // outlives the statement
-    LogStream ls(logger, Level::DEBUG);
-    if (ls.enabled())
-      ls.stream() << "Caught std::exception with boost::diagnostic_information = \n" << text;
+  const Logger logger = Logger::getLogger(kLoggerName);
+  if (logger.isEnabled(Level::DEBUG)) {
+    const std::string text = boost::diagnostic_information(e, true);
+    if (!text.empty())
+      LogStream(logger, Level::DEBUG)
+          << "Caught std::exception with boost::diagnostic_information = \n" << text;
   }
   std::string message = e.what();
   if (!last_error.get()) last_error.reset(new std::string);
