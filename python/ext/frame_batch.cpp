@@ -1,6 +1,5 @@
 #include "frame_batch.h"
 
-#include <algorithm>
 #include <cstring>
 #include <numeric>
 
@@ -50,13 +49,14 @@ void FrameBatch::clear() {
 void FrameBatch::writeRows(const StoredFrame& s, PeakTable& to, size_t first) const {
   const QueryColumns& wanted = request_.columns;
   PeakColumns out;
+  out.frame = wanted.frame ? to.frame.data() + first : nullptr;
+  out.frameId = request_.frames[s.position];
   out.scan = wanted.scan ? to.scan.data() + first : nullptr;
   out.tof = wanted.tof ? to.tof.data() + first : nullptr;
   out.intensity = wanted.intensity ? to.intensity.data() + first : nullptr;
   out.invMobility = wanted.invMobility ? to.invMobility.data() + first : nullptr;
   const double* invMobilityOfScan = wanted.invMobility ? invMobility_.data() + s.scanValue : nullptr;
   scatterScans(words_.data() + s.word, s.scans, 0, invMobilityOfScan, out);
-  if (wanted.frame) std::fill_n(to.frame.data() + first, s.peaks, request_.frames[s.position]);
   if (wanted.mz) {
     std::memcpy(to.mz.data() + first, mz_.data() + s.peakValue, s.peaks * sizeof(double));
   }
