@@ -39,16 +39,13 @@ void onThreads(size_t count, const Body& body) {
   if (failure) std::rethrow_exception(failure);
 }
 
-// Frames finished by the workers, told to the calling thread. Thread-safe.
+// Frames finished by the workers, looked at by the calling thread every
+// 100 ms and when the workers are done. A worker only counts: waking the
+// caller for every frame would take a processor from a worker whenever there
+// are as many workers as processors. Thread-safe.
 class ProgressBoard {
  public:
-  void frameDone() {
-    {
-      std::lock_guard<std::mutex> lock(mutex_);
-      ++done_;
-    }
-    changed_.notify_one();
-  }
+  void frameDone() { done_.fetch_add(1, std::memory_order_relaxed); }
   void finish() {
     {
       std::lock_guard<std::mutex> lock(mutex_);
@@ -56,22 +53,20 @@ class ProgressBoard {
     }
     changed_.notify_one();
   }
-  // Waits up to 100 ms for a change and updates `done`; false once finished
-  // and the last count was seen.
+  // Waits up to 100 ms for the workers to finish and sets `done`; false
+  // once they have (`done` is then the final count).
   bool wait(size_t& done) {
     std::unique_lock<std::mutex> lock(mutex_);
-    changed_.wait_for(lock, std::chrono::milliseconds(100),
-                      [&] { return finished_ || done_ != done; });
-    const bool more = !(finished_ && done_ == done);
-    done = done_;
-    return more;
+    changed_.wait_for(lock, std::chrono::milliseconds(100), [&] { return finished_; });
+    done = done_.load(std::memory_order_relaxed);
+    return !finished_;
   }
 
  private:
+  std::atomic<size_t> done_{0};
   std::mutex mutex_;
   std::condition_variable changed_;
-  size_t done_ = 0;
-  bool finished_ = false;
+  bool finished_ = false;  // guarded by mutex_
 };
 
 // The columns of the result, written by every reader at once, each to the

@@ -58,8 +58,8 @@ struct QueryResult {
 };
 
 // Called on the calling thread with the number of frames finished so far,
-// after each change and at least every 100 ms; returning false cancels the
-// query (runQuery then returns what it has, and the caller discards it).
+// every 100 ms and once all are; returning false cancels the query (runQuery
+// then returns what it has, and the caller discards it).
 using ProgressCallback = std::function<bool(size_t framesDone)>;
 
 // Decodes the frames of `request` and gathers their peaks. `pool` holds the
