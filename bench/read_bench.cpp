@@ -159,14 +159,14 @@ BENCHMARK(ReadFrames)
     ->Arg(2)
     ->Unit(benchmark::kMillisecond)
     ->MinTime(0.2)
-    ->Repetitions(7)
+    ->Repetitions(15)
     ->ComputeStatistics("min", minimum);
 BENCHMARK(Baseline)
     ->Arg(1)
     ->Arg(2)
     ->Unit(benchmark::kMillisecond)
     ->MinTime(0.2)
-    ->Repetitions(7)
+    ->Repetitions(15)
     ->ComputeStatistics("min", minimum);
 
 // Console output as usual, and the time per iteration of each run kept for
