@@ -70,6 +70,7 @@ class Analysis:
         self._handle = _koradata.Handle(self._path, self._recalibrated)
         self._metadata = None
         self._frames = None
+        self._scans_by_frame = None
 
     def close(self):
         """Closes the analysis; later use raises :class:`Error`. Closing twice
@@ -123,8 +124,10 @@ class Analysis:
     def _scan_counts(self, frame_ids):
         """Scans of each frame id; -1 where unknown (no such row, or an
         unreadable header), which lets the library say what is wrong."""
-        table = self._frame_table().set_index("frame")["num_scans"]
-        return table.reindex(frame_ids, fill_value=-1).to_numpy(dtype=np.int64)
+        table = self._frame_table()
+        if self._scans_by_frame is None:
+            self._scans_by_frame = table.set_index("frame")["num_scans"]
+        return self._scans_by_frame.reindex(frame_ids, fill_value=-1).to_numpy(dtype=np.int64)
 
     def read_scans(self, frame, scan_begin=0, scan_end=None, raw=False):
         """Reads the peaks of scans ``[scan_begin, scan_end)`` of one frame.
