@@ -1,7 +1,10 @@
 #include "block_cache.h"
 
 #include <malloc.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <mutex>
 #include <vector>
@@ -57,6 +60,18 @@ void releaseBlock(void* block) {
     }
   }
   std::free(block);
+}
+
+void prefault(void* from, size_t bytes) {
+#ifdef MADV_POPULATE_WRITE
+  static const uintptr_t kPage = static_cast<uintptr_t>(sysconf(_SC_PAGESIZE));
+  const uintptr_t begin = (reinterpret_cast<uintptr_t>(from) + kPage - 1) & ~(kPage - 1);
+  const uintptr_t end = (reinterpret_cast<uintptr_t>(from) + bytes) & ~(kPage - 1);
+  if (end > begin) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_POPULATE_WRITE);
+#else
+  (void)from;
+  (void)bytes;
+#endif
 }
 
 }  // namespace koradata_py

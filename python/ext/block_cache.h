@@ -28,6 +28,11 @@ void* takeBlock(size_t bytes);
 // Null is ignored.
 void releaseBlock(void* block);
 
+// Maps the pages inside [from, from + bytes) for writing in one call, where
+// the system can, instead of one page fault at a time as they are first
+// written. Advice only: nothing changes for the caller when it cannot.
+void prefault(void* from, size_t bytes);
+
 }  // namespace koradata_py
 
 #endif  // KORA_PYTHON_EXT_BLOCK_CACHE_H_

@@ -95,8 +95,12 @@ class MallocVector {
         releaseBlock(std::exchange(p, cached));
       }
     }
-    if (!p || malloc_usable_size(p) < bytes) p = std::realloc(p, bytes);
-    if (!p) throw std::bad_alloc();
+    if (!p || malloc_usable_size(p) < bytes) {
+      const size_t had = p ? malloc_usable_size(p) : 0;
+      p = std::realloc(p, bytes);
+      if (!p) throw std::bad_alloc();
+      if (bytes >= kMinCachedBytes) prefault(static_cast<char*>(p) + had, bytes - had);
+    }
     data_ = static_cast<T*>(p);
     capacity_ = std::max(n, malloc_usable_size(p) / sizeof(T));
   }
