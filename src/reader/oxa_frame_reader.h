@@ -56,6 +56,8 @@ class OxaFrameReader : boost::noncopyable {
   // Valid until the next fill of another frame.
   // Throws std::invalid_argument "Scan number [<scan>] out of range.".
   const detail::ByteBuffer& get(unsigned int scan, unsigned int& first, unsigned int& last) const;
+  // The number of scans of the current frame, as its header gives it.
+  unsigned int scanCount() const { return numScans; }
   // The expanded frame, as get returns it.
   const detail::ByteBuffer& expanded() const { return decompressed; }
   // The word range of `scan`, as get gives it, without the range check.

@@ -163,10 +163,17 @@ uint32_t OxaReader::readScansPerFrameZstd(int64_t frame_id, unsigned int scan_be
   const size_t scans = scan_end - scan_begin;
   // The counts, in `readout`, which grows with the scans found in the frame.
   uint64_t words = scans;
+  // Scans past the frame's last one fail in get, after every scan before
+  // them has been checked.
+  const unsigned int listed = std::min(scan_end, std::max(scan_begin, frame.scanCount()));
   for (unsigned int scan = scan_begin; scan < scan_end; ++scan) {
     unsigned int first = 0;
     unsigned int last = 0;
-    frame.get(scan, first, last);
+    if (scan < listed) {
+      frame.scanWords(scan, first, last);
+    } else {
+      frame.get(scan, first, last);
+    }
     const size_t peaks = decoding::rle2ScanPeaks(frame_id, scan, data.size(), first, last);
     const size_t i = scan - scan_begin;
     if (i == readout.size()) readout.resize(std::max<size_t>(2 * i, 1024));

@@ -111,15 +111,12 @@ inline void decodePairs(const unsigned char* plane0, size_t w, size_t n, uint32_
   }
   size_t k = block(plane0, w, n, index, indices, intensities);
   if (k >= width && k < n) {
-    // The rest: the last `width` peaks, from s >= 1 on, decoded again aside
-    // from the index after peak s - 1; only peaks k to n are kept.
+    // The rest: one more block over the last `width` peaks, from s >= 1 on,
+    // continuing from the index after peak s - 1. Peaks s to k get again the
+    // values they already have; nothing is written past peak n - 1.
     const size_t s = n - width;
-    uint32_t window_indices[16];
-    uint32_t window_intensities[16];
     index = indices[s - 1] + 1;
-    block(plane0 + 2 * s, w, width, index, window_indices, window_intensities);
-    std::copy(window_indices + (k - s), window_indices + width, indices + k);
-    std::copy(window_intensities + (k - s), window_intensities + width, intensities + k);
+    block(plane0 + 2 * s, w, width, index, indices + s, intensities + s);
     return;
   }
   const unsigned char* const p1 = plane0 + w;
