@@ -74,6 +74,10 @@ OxaReaderImpl::OxaReaderImpl(const fs::path& dir,
                                       .str()));
   }
 
+  // Unbuffered: the reads are of a frame's header, its scan table or a whole
+  // block, each used once, and a seek comes before every block; a stream
+  // buffer would only add a copy of the kilobytes behind each header.
+  binaryFile.rdbuf()->pubsetbuf(nullptr, 0);
   binaryFile.open(binPath.string(), std::ios::in | std::ios::binary);
   if (!binaryFile.is_open()) {
     LUMO_THROW(
