@@ -174,14 +174,19 @@ void IndexToMzBatch(benchmark::State& state) {
 
 // The sample's law as the model itself, without temperature adaptation: the
 // same policies and the same batch loop.
-void ModelBatch(benchmark::State& state) {
-  omp_set_num_threads(static_cast<int>(state.range(0)));
+boost::shared_ptr<lumo::calibration::Transformation::CalibrationTransformatorTOFQuadratic>
+sampleModel() {
   using namespace lumo::calibration;
   const auto head = lumo::writer::sampleMzCalibrationHead();
   const auto& c = lumo::writer::kSampleTofCoefficients;
-  const auto model = boost::make_shared<Transformation::CalibrationTransformatorTOFQuadratic>(
+  return boost::make_shared<Transformation::CalibrationTransformatorTOFQuadratic>(
       boost::make_shared<Constants::CalibrationConstantsFunctionalTOF1>(c[0], c[1], c[2]),
       boost::make_shared<Constants::CalibrationConstantsPhysicalTOF>(head.timebase, head.delay));
+}
+
+void ModelBatch(benchmark::State& state) {
+  omp_set_num_threads(static_cast<int>(state.range(0)));
+  const auto model = sampleModel();
   const std::vector<double>& in = indices();
   // Sized and paged in before the timing, as the export's result buffer: a
   // repetition of few iterations would otherwise time the first touch of
@@ -197,12 +202,7 @@ void ModelBatch(benchmark::State& state) {
 // The floor of (b) on 1 thread: the model's batch between two copies.
 void ModelBatchCopied(benchmark::State& state) {
   omp_set_num_threads(1);
-  using namespace lumo::calibration;
-  const auto head = lumo::writer::sampleMzCalibrationHead();
-  const auto& c = lumo::writer::kSampleTofCoefficients;
-  const auto model = boost::make_shared<Transformation::CalibrationTransformatorTOFQuadratic>(
-      boost::make_shared<Constants::CalibrationConstantsFunctionalTOF1>(c[0], c[1], c[2]),
-      boost::make_shared<Constants::CalibrationConstantsPhysicalTOF>(head.timebase, head.delay));
+  const auto model = sampleModel();
   const std::vector<double>& in = indices();
   std::vector<double> values(in.size()), results(in.size()), out(in.size());
   for (auto _ : state) {

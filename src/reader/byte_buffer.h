@@ -29,29 +29,34 @@ void resizeDiscarding(Buffer& buffer, size_t n) {
   buffer.resize(n);
 }
 
-// A buffer's starting size: `ordinary`, or at most KORA_INITIAL_BUFFER_BYTES
-// where the build defines it (the fuzz build, which opens and closes a reader
+// The fuzz build's caps (KORA_INITIAL_BUFFER_BYTES, KORA_MAX_BELIEVED_BYTES);
+// no cap elsewhere.
+#ifdef KORA_INITIAL_BUFFER_BYTES
+constexpr uint64_t kInitialBufferCap = KORA_INITIAL_BUFFER_BYTES;
+#else
+constexpr uint64_t kInitialBufferCap = ~uint64_t{0};
+#endif
+#ifdef KORA_MAX_BELIEVED_BYTES
+constexpr uint64_t kBelievedSizeCap = KORA_MAX_BELIEVED_BYTES;
+#else
+constexpr uint64_t kBelievedSizeCap = ~uint64_t{0};
+#endif
+
+// A buffer's starting size: `ordinary`, or at most the initial-buffer cap
+// where the build sets one (the fuzz build, which opens and closes a reader
 // per input and would otherwise spend its time on tens of megabytes it never
 // uses). Buffers still grow to whatever a frame needs.
 constexpr size_t initialBufferSize(size_t ordinary) {
-#ifdef KORA_INITIAL_BUFFER_BYTES
-  return ordinary < KORA_INITIAL_BUFFER_BYTES ? ordinary : KORA_INITIAL_BUFFER_BYTES;
-#else
-  return ordinary;
-#endif
+  return ordinary < kInitialBufferCap ? ordinary : static_cast<size_t>(kInitialBufferCap);
 }
 
-// A limit on a size word of the frame file: `ordinary`, or at most
-// KORA_MAX_BELIEVED_BYTES where the build defines it (the fuzz build: under
-// ASan every allocation writes the shadow of all its bytes, so a lying size of
-// a gigabyte costs a hundred megabytes of writes however little of it is
-// used). A size above the limit fails as one above the ordinary limit does.
+// A limit on a size word of the frame file: `ordinary`, or at most the
+// believed-size cap where the build sets one (the fuzz build: under ASan every
+// allocation writes the shadow of all its bytes, so a lying size of a
+// gigabyte costs a hundred megabytes of writes however little of it is used).
+// A size above the limit fails as one above the ordinary limit does.
 constexpr uint64_t believedSizeLimit(uint64_t ordinary) {
-#ifdef KORA_MAX_BELIEVED_BYTES
-  return ordinary < KORA_MAX_BELIEVED_BYTES ? ordinary : KORA_MAX_BELIEVED_BYTES;
-#else
-  return ordinary;
-#endif
+  return ordinary < kBelievedSizeCap ? ordinary : kBelievedSizeCap;
 }
 
 }  // namespace detail
