@@ -4,8 +4,8 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
-#include <exception>
 #include <deque>
+#include <exception>
 #include <mutex>
 #include <shared_mutex>
 #include <thread>
@@ -14,30 +14,10 @@
 #include "frame_batch.h"
 #include "koradata.h"
 #include "row_plan.h"
+#include "worker_threads.h"
 
 namespace koradata_py {
 namespace detail {
-
-// Runs body(item) for every item in [0, count), one thread per item. The
-// first exception of a body is rethrown once all threads are done.
-template <class Body>
-void onThreads(size_t count, const Body& body) {
-  std::exception_ptr failure;
-  std::mutex failureMutex;
-  auto run = [&](size_t item) {
-    try {
-      body(item);
-    } catch (...) {
-      std::lock_guard<std::mutex> lock(failureMutex);
-      if (!failure) failure = std::current_exception();
-    }
-  };
-  std::vector<std::thread> threads;
-  for (size_t i = 1; i < count; ++i) threads.emplace_back(run, i);
-  if (count > 0) run(0);
-  for (std::thread& t : threads) t.join();
-  if (failure) std::rethrow_exception(failure);
-}
 
 // Frames finished by the workers, looked at by the calling thread every
 // 100 ms and when the workers are done. A worker only counts: waking the
@@ -240,7 +220,7 @@ QueryResult runQuery(const QueryRequest& request, const std::string& directory, 
   };
   std::thread readers([&] {
     try {
-      detail::onThreads(workers, read);
+      runOnThreads(workers, read);
     } catch (...) {
       openFailure = std::current_exception();
     }
