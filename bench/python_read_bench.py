@@ -47,7 +47,7 @@ def run_query(analysis, threads):
 
 
 def main():
-    args = bench_analysis.parse_arguments(__doc__, rounds=5)
+    args = bench_analysis.parse_arguments(__doc__, rounds=10)
     import koradata
 
     loop = os.path.join(args.build, "bench", "kora-read-loop")
