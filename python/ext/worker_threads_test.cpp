@@ -1,4 +1,4 @@
-#include "python/ext/worker_threads.h"
+#include "worker_threads.h"
 
 #include <gtest/gtest.h>
 #include <pthread.h>
