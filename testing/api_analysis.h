@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "koradata.h"
+#include "testing/last_error.h"
 #include "testing/temp_dir.h"
 #include "tools/analysis_spec.h"
 #include "tools/analysis_writer.h"
@@ -18,13 +19,6 @@
 namespace kora_testing {
 
 using ReadFunction = uint32_t (*)(uint64_t, int64_t, uint32_t, uint32_t, void*, uint32_t);
-
-// The calling thread's last error text.
-inline std::string lastError() {
-  char text[1024];
-  kora_get_last_error_string(text, sizeof text);
-  return text;
-}
 
 // Splits a read's words into the peaks of `num_scans` scans; every word must
 // be used.

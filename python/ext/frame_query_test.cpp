@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "api/conversion_test_support.h"
 #include "connection.h"
 #include "koradata.h"
 #include "testing/api_analysis.h"
@@ -50,21 +51,15 @@ struct Rows {
   }
 };
 
-std::vector<double> convert(uint32_t (*function)(uint64_t, int64_t, const double*, double*,
-                                                 uint32_t),
-                            uint64_t handle, int64_t frame, std::vector<double> values) {
-  EXPECT_EQ(1u, function(handle, frame, values.data(), values.data(),
-                         static_cast<uint32_t>(values.size())))
-      << kora_testing::lastError();
-  return values;
-}
+bool inAnalysis(int64_t frame) { return frame >= 1 && frame <= kFrames; }
 
 // The rows of `frames` read one frame at a time through `analysis`; frames
 // not in the analysis give none.
 Rows rowsReadOneByOne(const ApiAnalysis& analysis, const std::vector<int64_t>& frames) {
+  const kora_testing::OpenAnalysis converter(analysis.dir.str(), 0);
   Rows rows;
   for (int64_t frame : frames) {
-    if (frame < 1 || frame > kFrames) {
+    if (!inAnalysis(frame)) {
       rows.peaks.push_back(0);
       continue;
     }
@@ -73,7 +68,7 @@ Rows rowsReadOneByOne(const ApiAnalysis& analysis, const std::vector<int64_t>& f
     std::vector<double> scanNumbers(kScans);
     std::iota(scanNumbers.begin(), scanNumbers.end(), 0.0);
     const std::vector<double> ofScan =
-        convert(kora_scannum_to_oneoverk0, analysis.handle, frame, scanNumbers);
+        converter.convert(kora_scannum_to_oneoverk0, frame, scanNumbers);
     for (uint32_t s = 0; s < kScans; ++s) {
       for (size_t p = 0; p < scans[s].indices.size(); ++p) {
         rows.frame.push_back(frame);
@@ -84,7 +79,7 @@ Rows rowsReadOneByOne(const ApiAnalysis& analysis, const std::vector<int64_t>& f
         indices.push_back(scans[s].indices[p]);
       }
     }
-    const std::vector<double> mz = convert(kora_index_to_mz, analysis.handle, frame, indices);
+    const std::vector<double> mz = converter.convert(kora_index_to_mz, frame, indices);
     rows.mz.insert(rows.mz.end(), mz.begin(), mz.end());
     rows.peaks.push_back(indices.size());
   }
@@ -113,7 +108,7 @@ Rows rowsOf(const QueryResult& result) {
 QueryRequest request(const std::vector<int64_t>& frames, unsigned threads, bool stopOnError) {
   QueryRequest r;
   r.frames = frames;
-  for (int64_t frame : frames) r.numScans.push_back(frame >= 1 && frame <= kFrames ? kScans : -1);
+  for (int64_t frame : frames) r.numScans.push_back(inAnalysis(frame) ? kScans : -1);
   r.columns = QueryColumns{true, true, true, true, true, true};
   r.stopOnError = stopOnError;
   r.threads = threads;

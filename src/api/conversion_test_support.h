@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "koradata.h"
+#include "testing/last_error.h"
 
 namespace kora_testing {
 
@@ -30,14 +31,6 @@ inline const std::vector<NamedConversion>& conversions() {
       {"kora_scannum_to_voltage", kora_scannum_to_voltage},
       {"kora_voltage_to_scannum", kora_voltage_to_scannum}};
   return all;
-}
-
-// This thread's last error text.
-inline std::string lastError() {
-  const uint32_t size = kora_get_last_error_string(nullptr, 0);
-  std::vector<char> buf(size);
-  kora_get_last_error_string(buf.data(), size);
-  return std::string(buf.data());
 }
 
 // An analysis opened for the life of the object; 0 if the open failed.

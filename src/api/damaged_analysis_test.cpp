@@ -66,8 +66,9 @@ TEST(DamagedAnalysis, ZstdHeaderDeclaringFourGigabytesFailsWithoutTouchingThem) 
       "CorruptFrameDataError for FrameId=1: Error decompressing frame data: Data corruption "
       "detected",
       lastError());
-  if (!kora_testing::sanitizerCountsInAnonymousMemory())
+  if (!kora_testing::sanitizerCountsInAnonymousMemory()) {
     EXPECT_LT(kora_testing::anonymousResidentBytes(), before + 64 * kMiB);
+  }
 }
 
 // Parameter: the compression type.
